@@ -1,0 +1,80 @@
+# How a layer, a program, a module, a test and a fuzz target are built. A layer is a shared library of
+# its own with hidden symbols and nothing undefined, so that a wrong dependency does not link.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTOUIC ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow=local -Wnon-virtual-dtor)
+add_compile_definitions(QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH QT_STRICT_ITERATORS)
+find_program(MOLD mold)
+if(MOLD AND NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  add_link_options(-fuse-ld=mold)
+endif()
+if(KALVOR_SANITIZE)
+  add_compile_options(-fsanitize=${KALVOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${KALVOR_SANITIZE})
+endif()
+if(KALVOR_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# kalvor_layer(Name SOURCES ... LINKS ...): LINKS are the layers and libraries its headers may name.
+function(kalvor_layer name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+  if(NOT KALVOR_SANITIZE)
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
+endfunction()
+
+# kalvor_module(name SOURCES ...): a form module, loaded by the client at run time as name.bpl.
+function(kalvor_module name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} MODULE ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".bpl")
+  target_link_libraries(${name} PRIVATE BasePackage ${ARG_LINKS})
+endfunction()
+
+# kalvor_test(name SOURCES ... LINKS ...): one Qt Test program under ctest, run without a display.
+function(kalvor_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} Qt6::Test)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_compile_definitions(${name} PRIVATE KALVOR_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TZ=Europe/Sofia;XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/run;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/run/config;XDG_DATA_HOME=${CMAKE_BINARY_DIR}/run/data"
+    TIMEOUT 300)
+endfunction()
+
+# kalvor_fuzz(name SOURCE target.cpp LINKS ...): a libFuzzer program where fuzzing is on; everywhere
+# the seeds in fuzz/seeds/<name> run through the same entry point as a test.
+function(kalvor_fuzz name)
+  cmake_parse_arguments(ARG "" "SOURCE" "LINKS" ${ARGN})
+  if(KALVOR_FUZZ)
+    add_executable(fuzz_${name} ${ARG_SOURCE})
+    target_link_libraries(fuzz_${name} PRIVATE ${ARG_LINKS})
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  elseif(KALVOR_TESTS)
+    add_executable(seeds_${name} ${ARG_SOURCE} ${CMAKE_SOURCE_DIR}/fuzz/run_seeds.cpp)
+    target_link_libraries(seeds_${name} PRIVATE ${ARG_LINKS})
+    set_target_properties(seeds_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests UNITY_BUILD OFF)
+    add_test(NAME seeds_${name} COMMAND seeds_${name} ${CMAKE_SOURCE_DIR}/fuzz/seeds/${name})
+  endif()
+endfunction()

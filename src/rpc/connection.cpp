@@ -1,0 +1,1 @@
+#include "rpc/connection.h"
