@@ -28,10 +28,12 @@ class KALVOR_SERVER StoreError : public std::runtime_error {
 // Declared types and their DataType: INTEGER LargeInt, BOOLEAN Boolean (1/0), AMOUNT Float, TEXT or
 // VARCHAR(n) WideString (size n), DATE Date (text yyyyMMdd), TIMESTAMP DateTime (text yyyyMMddThhmmss),
 // BLOB Blob. Text compares by the collation KALVOR: without regard to case, Cyrillic too.
+// A column of an expression has no declared type: name it "Name:TYPE" (SELECT SUM(Amount) AS "Total:AMOUNT")
+// and the column is called Name and has that type; without it the type is that of the first row's value.
 class KALVOR_SERVER Statement {
  public:
   virtual ~Statement() = default;
-  virtual void bind(int index, const Variant& value) = 0;  // index from 0; QString, integers, double, bool, QDate, ...
+  virtual void bind(int index, const Variant& value) = 0;  // index from 0; a double is an amount, see bindAmount
   virtual void bindAmount(int index, double value) = 0;    // as whole millionths
   virtual bool step() = 0;                                 // true: a row is there
   virtual void reset() = 0;
@@ -41,7 +43,7 @@ class KALVOR_SERVER Statement {
   virtual qint64 integer(int index) const = 0;
   virtual QString text(int index) const = 0;
   virtual Variant value(int index) const = 0;              // by the column's declared type
-  virtual void appendRowTo(RecordSet& records) const = 0;  // columns in order
+  virtual void appendRowTo(RecordSet& records) const = 0;  // its columns in order; further ones are left out
 };
 
 class KALVOR_SERVER Connection {
@@ -53,6 +55,8 @@ class KALVOR_SERVER Connection {
   virtual void commit() = 0;
   virtual void rollback() noexcept = 0;
   virtual qint64 changedRows() const = 0;
+  // Whether commits wait for the disk. Off for what may be lost with the power, such as sessions.
+  virtual void setDurable(bool on) = 0;
 
   qint64 execute(const QString& sql, const VariantArray& values = {});       // rows changed
   RecordSet query(const QString& sql, const VariantArray& values = {});
@@ -77,7 +81,8 @@ constexpr qint64 amountScale = 1'000'000;
 KALVOR_SERVER qint64 scaled(double amount);  // half away from zero
 constexpr double unscaled(qint64 millionths) { return double(millionths) / double(amountScale); }
 
-// A database file, or ":memory:"-like name shared by the connections of one process ("file:NAME?mode=memory").
+// A database file; ":memory:" for one connection alone; "file:NAME?mode=memory" for one that the connections of
+// this process share while any of them is open. A connection is used by one thread at a time.
 KALVOR_SERVER std::unique_ptr<Connection> openSqlite(const QString& fileName, bool readOnly);
 
 }  // namespace kalvor::server
