@@ -84,6 +84,9 @@ class KALVOR_DATA TField {
 
  private:
   friend class TClientDataSet;
+  Variant valueOf(const RecordSet& records, qsizetype row) const;
+  QString textFor(bool displayed) const;
+
   TClientDataSet* dataSet_;
   QString name_;
   DataType type_;
