@@ -1,0 +1,2 @@
+target_sources(KalvorServerCore PRIVATE
+  load/row_inserter.cpp)
