@@ -76,7 +76,7 @@ void DataEdit::keyPressEvent(QKeyEvent* event)
 {
   switch (event->key()) {
     case Qt::Key_Escape:
-      if (isModified()) {
+      if (isPending()) {
         revert();
         selectAll();
         event->accept();
@@ -104,7 +104,7 @@ void DataEdit::keyPressEvent(QKeyEvent* event)
 
 void DataEdit::focusInEvent(QFocusEvent* event)
 {
-  if (!isModified()) {
+  if (!isPending()) {
     updateAccess();
     showField();
   }
@@ -115,7 +115,7 @@ void DataEdit::focusOutEvent(QFocusEvent* event)
 {
   QLineEdit::focusOutEvent(event);
   commitOnLeave(event->reason());
-  if (!isModified()) {
+  if (!isPending()) {
     showField();
   }
 }

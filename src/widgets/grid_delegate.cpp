@@ -237,7 +237,7 @@ bool GridDelegate::eventFilter(QObject* watched, QEvent* event)
         QWidget* focus = QApplication::focusWidget();
         const DataControl* control = DataControl::of(editor);
         const bool elsewhere = focus && focus != editor && !editor->isAncestorOf(focus) && !QApplication::activePopupWidget();
-        if (elsewhere && (!control || !control->isModified())) {
+        if (elsewhere && (!control || !control->isPending())) {
           emit closeEditor(editor, NoHint);
         }
       });

@@ -195,6 +195,11 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void requireDeleteRight();
   void tellOwnerSaved(const QString& recordId);
   void cancelAllUpdates();
+  // False: details have unsaved changes and the user wants to keep them.
+  bool mayLeaveRecord();
+  void focusFirstControl();
+  // A form that was opened on no record stays with this one.
+  void becomeCardOf(const FilterArray& record);
   // A form that this one opened: it closes with this one.
   void adoptOpenedForm(QWidget* form);
   // The datasets' events; each ends with the handler that the form displaced.
@@ -222,7 +227,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void prepareLayout();
   int showModally();
   void showAsChild();
-  void focusFirstControl();
+  void moveMaster(void (TClientDataSet::*move)());
   bool closeOpenedForms();
   void FormClose();
   void FormDestroy();
