@@ -2,8 +2,9 @@
 //
 // Company "1" „Демо Търговия“ ООД has two stores and an office, several hundred contractors, about a thousand items
 // with prices and discounts, three years of currency rates and some five thousand sale invoices. Company "2"
-// „Проба“ ЕООД is small and shows that companies do not see each other. The local currency is EUR; invoices before
-// 2026 are in BGN at the fixed 1.95583, as they were issued.
+// „Проба“ ЕООД is small and shows that companies do not see each other; company "3" „Нова фирма“ ЕООД is set up but
+// has no records yet, for loading one's own. The local currency is EUR; invoices before 2026 are in BGN at the fixed
+// 1.95583, as they were issued.
 //
 // Every user's password is "demo". Company 1: SUPERVSR (administrator), CASHIER (sells in both stores), CLERK (sees
 // and changes the invoices of the object logged in to), AUDITOR (reads, prints, exports), FORMER (inactive), GUEST
