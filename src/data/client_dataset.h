@@ -58,6 +58,8 @@ constexpr Bookmark noBookmark = -1;
 class KALVOR_DATA TClientDataSet : public QObject {
   Q_OBJECT
  public:
+  struct Private;  // of the implementation
+
   explicit TClientDataSet(QObject* parent = nullptr);
   ~TClientDataSet() override;
 
@@ -100,6 +102,8 @@ class KALVOR_DATA TClientDataSet : public QObject {
   Variant FieldValues(const QString& names) const;  // "A" the value, "A;B" an array
   TField* AddCalculatedField(const FieldDef& definition, FieldValueKind kind);  // while closed or open
   TField* AddAggregateField(const QString& name, const QString& expression);    // SUM AVG MIN MAX COUNT
+  // Drops an aggregate, or, while closed, a calculated field; the object is gone.
+  void RemoveField(TField* field);
   bool AggregatesActive = false;
   void UpdateLayout();                       // after captions, visibility or order changed: tell the controls
 
@@ -185,7 +189,6 @@ class KALVOR_DATA TClientDataSet : public QObject {
  private:
   friend class TField;
   friend class DataLink;
-  struct Private;
   std::unique_ptr<Private> d;
 };
 

@@ -84,6 +84,7 @@ class KALVOR_DATA Column {
 
  private:
   void pushNullBit(bool null);
+  bool ownsText(QStringView value) const;
 
   StorageKind kind_;
   qsizetype size_ = 0;
