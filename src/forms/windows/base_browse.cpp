@@ -142,7 +142,7 @@ void TfBaseBrowse::acDeleteRecordExecute()
   dbgMaster_->clearMarks();
   try {
     const VariantArray packet{VariantArray{cdsOptions(0).ProviderName, QVariant::fromValue(cdsMaster_->GetDelta())}};
-    if (formServer().updateClientData(packet, Variant(), CreateUniqueID())) {
+    if (updateClientData(packet, Variant(), CreateUniqueID())) {
       cdsMaster_->MergeChangeLog();
     } else {
       cdsMaster_->CancelUpdates();

@@ -63,7 +63,7 @@ void TfBaseEdit::acDeleteRecordExecute()
     return;
   }
   if (CheckState()) {
-    throw DataError(_err_SaveBeforeDelete);
+    throw FormRefusal(_err_SaveBeforeDelete);
   }
   if (!cdsMaster_->IsEmpty()) {
     deleteMasterRecord();
@@ -79,7 +79,7 @@ void TfBaseEdit::deleteMasterRecord()
   const bool deleted = runGuarded(QStringLiteral("TfBase.acDeleteRecordExecute"), [this] {
     cdsMaster_->Delete();
     const VariantArray packet = buildSavePacket({{cdsMaster_, cdsOptions(0).ProviderName, {}}});
-    if (!packet.isEmpty() && !formServer().updateClientData(packet, Variant(), CreateUniqueID())) {
+    if (!packet.isEmpty() && !updateClientData(packet, Variant(), CreateUniqueID())) {
       throw SilentAbort();
     }
     cdsMaster_->MergeChangeLog();

@@ -108,7 +108,7 @@ void TfBaseEditMasterDetail::CDS_AfterScroll(TClientDataSet* dataSet)
 void TfBaseEditMasterDetail::requireEditableDocument()
 {
   if (!CheckDataModification(true, false, false)) {
-    throw DataError(rightsRefusal(_err_EditNotAllowed, formId()));
+    throw FormRefusal(rightsRefusal(_err_EditNotAllowed, formId()));
   }
   if (cdsMaster_->IsEmpty() && !CheckState()) {
     throw SilentAbort();

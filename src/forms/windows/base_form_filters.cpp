@@ -75,10 +75,10 @@ void TfBase::acFieldFilterExecute()
   }
   TField* field = focusedField(this);
   if (!field) {
-    throw DataError(_err_selectField);
+    throw FormRefusal(_err_selectField);
   }
   if (!hasFlag(field, ffFilterable)) {
-    throw DataError(_err_NotFilterableField);
+    throw FormRefusal(_err_NotFilterableField);
   }
   const TCDSOptions* entry = GetCdsOptsByFld(field);
   const int row = EncodeFieldIndexFromTag(field->Tag);

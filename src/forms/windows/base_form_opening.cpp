@@ -12,6 +12,7 @@
 #include "registry/form_descriptions.h"
 #include "registry/windows/form_host.h"
 #include "session/error_log.h"
+#include "session/server_calls.h"
 
 namespace kalvor {
 
@@ -232,7 +233,7 @@ void TfBase::FormDestroy()
   for (const auto& entry : d->dataSets) {
     if (!entry->ProviderName.isEmpty()) {
       loggingErrors(QStringLiteral("TfBase.FormDestroy"),
-                    [&] { formServer().deleteProvider(std::exchange(entry->ProviderName, {})); });
+                    [&] { deleteDynamicProvider(sessionCalls(), std::exchange(entry->ProviderName, {})); });
     }
   }
 }
