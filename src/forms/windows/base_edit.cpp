@@ -2,6 +2,7 @@
 
 #include "forms/form_filters.h"
 #include "forms/messages.h"
+#include "forms/record_saving.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/form_focus.h"
 #include "forms/windows/form_server.h"

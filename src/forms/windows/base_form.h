@@ -220,6 +220,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void adoptOpenedForm(QWidget* form);
   // The datasets' events; each ends with the handler that the form displaced.
   virtual void CDS_OnNewRecord(TClientDataSet* dataSet);
+  virtual void CDS_OnStateChange(TClientDataSet* dataSet);
   virtual void CDS_BeforeEdit(TClientDataSet* dataSet);
   virtual void CDS_BeforeInsert(TClientDataSet* dataSet);
   virtual void CDS_OnPostError(TClientDataSet* dataSet, const DataError& error, ErrorAction& action);
@@ -251,12 +252,9 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void refuseStateChange(DataSetState state);
   void focusField(TField* field);
   void acFieldFilterExecute();
-  void acTableFilterExecute();
   void acRemoveFilterExecute();
-  void acSortExecute();
   void acCopyNewExecute();
   void acExportExecute();
-  void acHelpExecute();
   void titleClicked(TDBGrid* grid, TField* field);
 };
 

@@ -1,6 +1,7 @@
 // From DoShowForm to the shown window, and its closing.
 #include <QApplication>
 #include <QCloseEvent>
+#include <QLayout>
 #include <QMdiSubWindow>
 
 #include "forms/form_filters.h"
@@ -20,6 +21,8 @@ namespace {
 
 constexpr int cascadeDown = 29;
 constexpr int cascadeRight = 22;
+constexpr int largestWidth = 1280;  // what a window opens with fits a screen of 1366 x 768
+constexpr int largestHeight = 600;
 
 ISelectorOwnerIntf* selectorOwner(QObject* owner)
 {
@@ -82,7 +85,7 @@ void TfBase::openMaster()
   if (!master) {
     return;
   }
-  if (!RequestDataSet(0, requestFilter(), d->sortOrder)) {
+  if (!RequestDataSet(0, d->openEmpty ? noRowFilter() : requestFilter(), d->sortOrder)) {
     throw TELException(_err_NoSQL_Found, QStringLiteral("TfBase.DoShowForm"));
   }
   master->Open();
@@ -147,7 +150,8 @@ void TfBase::showAsChild()
   adoptChildWindow(this);
   QWidget* window = windowOf(this);
   auto* sub = qobject_cast<QMdiSubWindow*>(window);
-  d->actions.leaveShortcutsToMainWindow(sub != nullptr);
+  d->hosted = sub != nullptr;
+  d->actions.leaveShortcutsToMainWindow(d->hosted);
   if (sub) {
     connect(sub->mdiArea(), &QMdiArea::subWindowActivated, this, [this, sub](QMdiSubWindow* active) {
       active == sub ? FormActivate() : FormDeactivate();
