@@ -3,79 +3,40 @@
 
 #include <memory>
 
-#include "data/data_broker.h"
-#include "data/data_error.h"
+#include "rpc/remote_calls.h"
 
 namespace kalvor {
 
-// What a failed call carries: codes below. The text is Bulgarian and fit for the user; incident is the id
-// under which the server logged the details, empty when there is none.
-class KALVOR_RPC RpcError : public DataError {
- public:
-  enum Code : int {
-    Unreachable = 1,     // no connection, and none could be made
-    Timeout = 2,         // no answer in time; the call may have run
-    ConnectionLost = 3,  // the connection broke before the answer came; the call may have run
-    BadFrame = 4,        // the other side does not speak the protocol
-    UnknownOperation = 10,
-    BadArguments = 11,
-    NotLoggedIn = 12,
-    Forbidden = 13,
-    Refused = 14,        // a statement, table, field or value the server does not accept
-    Conflict = 20,       // a record changed since it was read; the text names who and when
-    Invalid = 21,        // a value that the server's rules refuse (too long, missing, no such record)
-    Internal = 30
-  };
-  RpcError(int code, QString text, QString incident = {});
-  int code() const { return code_; }
-  const QString& incident() const { return incident_; }
-
- private:
-  int code_;
-  QString incident_;
-};
-
 // `SocketCon`: where the server is. Setting address or port of an open connection takes effect at the next
-// connect. Synchronous; use from one thread (calls from other threads are handed over to it and wait).
+// connect.
 class KALVOR_RPC SocketConnection {
  public:
-  SocketConnection();
-  ~SocketConnection();
+  SocketConnection() = default;
+  SocketConnection(const SocketConnection&) = delete;
+  SocketConnection& operator=(const SocketConnection&) = delete;
   QString Address = QStringLiteral("127.0.0.1");
   quint16 Port = 2030;
   QString ServerName = QStringLiteral("KalvorServer.rdmKalvor");
   int connectTimeoutMs = 5000;
-  int answerTimeoutMs = 60000;
-
- private:
-  friend class ConnectionBroker;
-  struct Private;
-  std::unique_ptr<Private> d;
+  int answerTimeoutMs = 60000;  // without a byte of it
 };
 
-// `ConBroker`: every remote call and every provider goes through it. When the connection breaks between two
-// calls it is made again once and the session resumed; a call that may have run is not repeated unless it
-// was given a request id.
-class KALVOR_RPC ConnectionBroker : public DataBroker {
+// `ConBroker`: every remote call and every provider goes through it. Synchronous, and at home in the thread
+// that made it: calls from other threads are handed over to that thread's event loop and wait. When the
+// connection breaks between two calls it is made again once and the session resumed; a call that may have run
+// is not repeated unless it was given a request id, and nothing is repeated between trStart and the end of
+// that transaction, which is lost with its connection.
+class KALVOR_RPC ConnectionBroker : public RemoteCalls {
  public:
-  explicit ConnectionBroker(SocketConnection* connection);
+  explicit ConnectionBroker(SocketConnection* connection);  // not owned
   ~ConnectionBroker() override;
 
-  void Connect();               // RpcError when it fails
-  void Disconnect();
-  bool Connected() const;
-
-  // Calls an operation. The arguments are in/out: after the call they hold what the server left in them.
-  // Throws RpcError. With a request id the server runs the call once and answers repetitions with the first
-  // answer; the broker repeats it by itself after a lost connection.
-  Variant Call(const QString& operation, VariantArray& arguments, const QString& requestId = {});
-  Variant Call(const QString& operation, VariantArray&& arguments = {}) { return Call(operation, arguments); }
-
-  // The session text that LogIn left, presented again after a reconnect; empty = none.
-  void setSession(const QString& sessionText);
-
-  DataPacketPtr openProvider(const QString& provider, qsizetype count) override;
-  DataPacketPtr fetchRecords(const QString& provider, const Variant& continuation, qsizetype count) override;
+  void Connect() override;
+  void Disconnect() override;
+  bool Connected() const override;
+  using RemoteCalls::Call;
+  Variant Call(const QString& operation, VariantArray& arguments, const QString& requestId = {}) override;
+  void setSession(const QString& sessionText) override;
 
  private:
   struct Private;

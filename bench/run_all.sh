@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Runs every benchmark program of a folder, one after the other: nothing else should be working meanwhile.
+set -euo pipefail
+bin=${1:?folder of the benchmark programs}
+export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 TZ=Europe/Sofia
+XDG_RUNTIME_DIR=$(mktemp -d)
+export XDG_RUNTIME_DIR
+trap 'rm -rf "$XDG_RUNTIME_DIR"' EXIT
+for program in "$bin"/*_bench; do
+  printf '\n== %s\n' "$(basename "$program")"
+  "$program"
+done

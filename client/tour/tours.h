@@ -1,0 +1,15 @@
+// The tours: what is done, in which order, with a picture of each window.
+#pragma once
+
+#include "tour_driver.h"
+
+namespace kalvor {
+
+// From log-in to a changed and saved invoice of the demo company, then the other forms.
+void addDemoTour(TourDriver& driver);
+
+// The way of a retail journal's invoice: C* leaves the cancellations, invoice 536365 opens, a quantity changes, it is
+// saved. Expects the journal loaded into the company that is logged in to; fails where something does not hold.
+void addRetailTour(TourDriver& driver);
+
+}  // namespace kalvor

@@ -1,0 +1,208 @@
+#include "server/store/sqlite_handle.h"
+
+#include <QUrl>
+#include <cstring>
+
+#include "server/store/text_rules.h"
+
+namespace kalvor::server {
+
+namespace {
+
+constexpr int busyTimeoutMs = 10'000;
+constexpr qsizetype idleStatements = 200;
+
+StoreError::Kind storeErrorKind(int code)
+{
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: return StoreError::Kind::Busy;
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+    case SQLITE_TOOBIG: return StoreError::Kind::Constraint;
+    case SQLITE_FULL: return StoreError::Kind::DiskFull;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB: return StoreError::Kind::Corrupt;
+    default: return StoreError::Kind::Other;
+  }
+}
+
+StoreError::Rule brokenRule(int code)
+{
+  switch (code) {
+    case SQLITE_CONSTRAINT_NOTNULL: return StoreError::Rule::Required;
+    case SQLITE_CONSTRAINT_UNIQUE:
+    case SQLITE_CONSTRAINT_PRIMARYKEY: return StoreError::Rule::Unique;
+    case SQLITE_CONSTRAINT_FOREIGNKEY: return StoreError::Rule::Reference;
+    default: return StoreError::Rule::None;
+  }
+}
+
+// "UNIQUE constraint failed: T.A, T.B": A and B.
+QStringList namedColumns(const QString& message)
+{
+  QStringList columns;
+  for (const QString& name : message.section(QStringLiteral("failed: "), 1).split(QStringLiteral(", "), Qt::SkipEmptyParts)) {
+    columns.append(name.section(u'.', -1).trimmed());
+  }
+  return columns;
+}
+
+// A shared database in memory is kept by the in-memory file system, whose locks are those of a file.
+QByteArray sqliteName(const QString& fileName)
+{
+  if (!fileName.startsWith(u"file:")) {
+    return fileName.toUtf8();
+  }
+  const QString name = fileName.mid(5).section(u'?', 0, 0);
+  return "file:/" + QUrl::toPercentEncoding(name) + "?vfs=memdb";
+}
+
+std::string_view textOf(sqlite3_value* value)
+{
+  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return {text, size_t(sqlite3_value_bytes(value))};
+}
+
+int collate(void*, int leftSize, const void* left, int rightSize, const void* right)
+{
+  return compareText({static_cast<const char*>(left), size_t(leftSize)},
+                     {static_cast<const char*>(right), size_t(rightSize)});
+}
+
+void likeFunction(sqlite3_context* context, int count, sqlite3_value** values)
+{
+  for (int i = 0; i < count; ++i) {
+    if (sqlite3_value_type(values[i]) == SQLITE_NULL) {
+      return;
+    }
+  }
+  char32_t escape = 0;
+  if (count == 3) {
+    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_value_text(values[2])));
+    escape = text.isEmpty() ? 0 : text.toUcs4().first();
+  }
+  sqlite3_result_int(context, matchesPattern(textOf(values[1]), textOf(values[0]), escape));
+}
+
+template <bool upper>
+void caseFunction(sqlite3_context* context, int, sqlite3_value** values)
+{
+  if (sqlite3_value_type(values[0]) == SQLITE_NULL) {
+    return;
+  }
+  const std::string_view text = textOf(values[0]);
+  const QString whole = QString::fromUtf8(text.data(), qsizetype(text.size()));
+  const QByteArray result = (upper ? whole.toUpper() : whole.toLower()).toUtf8();
+  sqlite3_result_text(context, result.constData(), int(result.size()), SQLITE_TRANSIENT);
+}
+
+int authorizeReading(void*, int action, const char* first, const char*, const char*, const char*)
+{
+  switch (action) {
+    case SQLITE_SELECT:
+    case SQLITE_READ:
+    case SQLITE_FUNCTION:
+    case SQLITE_RECURSIVE:
+    case SQLITE_TRANSACTION:
+    case SQLITE_SAVEPOINT: return SQLITE_OK;
+    case SQLITE_PRAGMA:
+      return first && (std::strcmp(first, "table_xinfo") == 0 || std::strcmp(first, "foreign_key_list") == 0)
+                 ? SQLITE_OK : SQLITE_DENY;
+    default: return SQLITE_DENY;
+  }
+}
+
+}  // namespace
+
+SqliteHandle::SqliteHandle(const QString& fileName)
+{
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
+  const int code = sqlite3_open_v2(sqliteName(fileName).constData(), &database_, flags, nullptr);
+  if (code != SQLITE_OK) {
+    const QString message = QString::fromUtf8(database_ ? sqlite3_errmsg(database_) : "out of memory");
+    sqlite3_close_v2(database_);
+    throw StoreError(storeErrorKind(code), QStringLiteral("%1: %2").arg(fileName, message));
+  }
+  sqlite3_extended_result_codes(database_, 1);
+  sqlite3_busy_timeout(database_, busyTimeoutMs);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  registerTextRules(database_);
+}
+
+SqliteHandle::~SqliteHandle()
+{
+  for (sqlite3_stmt* statement : std::as_const(idle_)) {
+    sqlite3_finalize(statement);
+  }
+  sqlite3_close_v2(database_);
+}
+
+void SqliteHandle::run(const char* sql)
+{
+  const int code = sqlite3_exec(database_, sql, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) {
+    fail(code, sql);
+  }
+}
+
+sqlite3_stmt* SqliteHandle::take(const QByteArray& sql)
+{
+  if (sqlite3_stmt* known = idle_.take(sql)) {
+    order_.removeOne(sql);
+    return known;
+  }
+  sqlite3_stmt* statement = nullptr;
+  const char* rest = nullptr;
+  const int code =
+      sqlite3_prepare_v3(database_, sql.constData(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &statement, &rest);
+  if (code != SQLITE_OK || !statement) {
+    fail(code == SQLITE_OK ? SQLITE_MISUSE : code, sql);
+  }
+  if (!QByteArray(rest).trimmed().isEmpty()) {
+    sqlite3_finalize(statement);
+    throw StoreError(StoreError::Kind::Other, QStringLiteral("more than one statement: ") + QString::fromUtf8(sql));
+  }
+  return statement;
+}
+
+void SqliteHandle::giveBack(const QByteArray& sql, sqlite3_stmt* statement)
+{
+  sqlite3_reset(statement);
+  sqlite3_clear_bindings(statement);
+  if (idle_.contains(sql)) {
+    sqlite3_finalize(statement);
+    return;
+  }
+  if (order_.size() >= idleStatements) {
+    sqlite3_finalize(idle_.take(order_.takeFirst()));
+  }
+  idle_.insert(sql, statement);
+  order_.append(sql);
+}
+
+void SqliteHandle::fail(int code, const QByteArray& sql) const
+{
+  const QString message = QString::fromUtf8(sqlite3_errmsg(database_));
+  throw StoreError(storeErrorKind(code),
+                   QStringLiteral("%1 (%2) in: %3").arg(message).arg(code).arg(QString::fromUtf8(sql.left(2000))),
+                   brokenRule(code), namedColumns(message));
+}
+
+void registerTextRules(sqlite3* database)
+{
+  constexpr int pure = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+  sqlite3_create_collation_v2(database, "KALVOR", SQLITE_UTF8, nullptr, collate, nullptr);
+  for (int count : {2, 3}) {
+    sqlite3_create_function_v2(database, "like", count, pure, nullptr, likeFunction, nullptr, nullptr, nullptr);
+  }
+  sqlite3_create_function_v2(database, "lower", 1, pure, nullptr, caseFunction<false>, nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(database, "upper", 1, pure, nullptr, caseFunction<true>, nullptr, nullptr, nullptr);
+}
+
+void allowReadingOnly(sqlite3* database) { sqlite3_set_authorizer(database, authorizeReading, nullptr); }
+
+}  // namespace kalvor::server

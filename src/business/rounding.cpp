@@ -1,0 +1,36 @@
+#include "business/rounding.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace kalvor {
+
+namespace {
+
+constexpr long double largestScaled = 9223372036854775806.0L;  // 2^63 - 2
+
+}  // namespace
+
+long double RoundUp(int digits, long double value)
+{
+  if (digits < 0)
+    return value;
+  // Exceeding the limit only grows with further digits, so the loop may stop there.
+  long double scaled = value;
+  for (int i = 0; i < digits; ++i) {
+    scaled *= 10;
+    if (std::fabs(scaled) > largestScaled)
+      return value;
+  }
+  if (!std::isfinite(scaled) || std::fabs(scaled * 10) > largestScaled)
+    return value;
+  long double whole = std::trunc(scaled);
+  const long long dropped = std::llabs(static_cast<long long>(std::trunc(scaled * 10)) % 10);
+  if (dropped >= 5)
+    whole += scaled >= 0 ? 1 : -1;
+  for (int i = 0; i < digits; ++i)
+    whole /= 10;
+  return whole;
+}
+
+}  // namespace kalvor

@@ -1,0 +1,12 @@
+// Rounding of money.
+#pragma once
+
+#include "layer_export.h"
+
+namespace kalvor {
+
+// Rounds half away from zero to so many decimals, looking at the first dropped digit only. A negative number of
+// decimals and a value too large to scale give the value unchanged. All steps in extended precision.
+KALVOR_RULES long double RoundUp(int digits, long double value);
+
+}  // namespace kalvor

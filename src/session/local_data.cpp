@@ -1,0 +1,10 @@
+#include "session/local_data.h"
+
+namespace kalvor {
+
+TLocalData LocalData;
+TAutoLoginData AutoLoginData;
+bool doExit = false;
+QString KalvorClientINIFileName;
+
+}  // namespace kalvor

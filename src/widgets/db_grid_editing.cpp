@@ -1,0 +1,60 @@
+#include "widgets/data_control.h"
+#include "widgets/db_grid.h"
+
+namespace kalvor {
+
+bool TDBGrid::editableNow() const
+{
+  return inCellEditing_ && currentIndex().isValid() && dataSet() && dataSet()->CanModify() &&
+         canEditField(selectedField());
+}
+
+bool TDBGrid::editCell()
+{
+  if (!editableNow()) {
+    return false;
+  }
+  if (stateOf(selectedField()).editor.kind == CellEditorKind::CheckBox) {
+    return false;
+  }
+  return cellEditor() || QTableView::edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
+}
+
+QWidget* TDBGrid::cellEditor() const
+{
+  return indexWidget(currentIndex());
+}
+
+bool TDBGrid::commitCell()
+{
+  DataControl* control = DataControl::of(cellEditor());
+  return !control || control->commit();
+}
+
+void TDBGrid::closeCell()
+{
+  if (QWidget* editor = cellEditor()) {
+    if (DataControl* control = DataControl::of(editor)) {
+      control->revert();
+    }
+    closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+  }
+}
+
+bool TDBGrid::toggleCell(const QModelIndex& index)
+{
+  TField* field = model_->fieldAt(index.column());
+  if (!inCellEditing_ || index != currentIndex() || !canEditField(field) || !dataSet()->CanModify()) {
+    return false;
+  }
+  const CellEditor box = stateOf(field).editor;
+  return attempt(this, [this, field, &box] {
+    if (!dataSet()->IsEditing()) {
+      dataSet()->Edit();
+    }
+    const bool checked = variantText(field->Value()) == box.checked;
+    field->SetAsString(checked ? box.unchecked : box.checked);
+  });
+}
+
+}  // namespace kalvor
