@@ -114,4 +114,13 @@ inline QString messageOf(const std::function<void()>& action)
   return QStringLiteral("no error");
 }
 
+// A test class announces itself; tst_data.cpp runs them all.
+QList<QObject* (*)()>& testClasses();
+
+#define KALVOR_TEST_CLASS(Class)                                                  \
+  [[maybe_unused]] static const bool announced##Class = [] {                      \
+    kalvor::test::testClasses().append([]() -> QObject* { return new Class; });   \
+    return true;                                                                  \
+  }();
+
 }  // namespace kalvor::test

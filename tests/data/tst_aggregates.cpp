@@ -132,5 +132,5 @@ void TestAggregates::aggregateFields()
   QVERIFY(!dataSet.FindField(u"aggAmount"));
 }
 
-QTEST_GUILESS_MAIN(TestAggregates)
+KALVOR_TEST_CLASS(TestAggregates)
 #include "tst_aggregates.moc"

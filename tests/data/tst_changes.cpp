@@ -138,5 +138,5 @@ void TestChanges::insertKeepsItsPlace()
   QCOMPARE(column(dataSet, "Id"), "1|20|2|3|4");
 }
 
-QTEST_GUILESS_MAIN(TestChanges)
+KALVOR_TEST_CLASS(TestChanges)
 #include "tst_changes.moc"

@@ -356,5 +356,5 @@ void TestEditing::fieldsOutliveClosing()
   QCOMPARE(messageOf([&] { dataSet.FieldByName(u"Amount"); }), QStringLiteral("Полето 'Amount' не е намерено!"));
 }
 
-QTEST_GUILESS_MAIN(TestEditing)
+KALVOR_TEST_CLASS(TestEditing)
 #include "tst_editing.moc"

@@ -154,5 +154,5 @@ void TestFiles::filesAreWritten()
   QVERIFY(message.contains(QStringLiteral("не може да бъде записан")));
 }
 
-QTEST_GUILESS_MAIN(TestFiles)
+KALVOR_TEST_CLASS(TestFiles)
 #include "tst_files.moc"

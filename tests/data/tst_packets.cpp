@@ -219,5 +219,5 @@ void TestPackets::foreignPacketsAreRefused()
   QCOMPARE(s.dataSet.RecordCount(), 4);
 }
 
-QTEST_GUILESS_MAIN(TestPackets)
+KALVOR_TEST_CLASS(TestPackets)
 #include "tst_packets.moc"

@@ -215,5 +215,5 @@ void TestRandomOperations::agreesWithTheModel()
   QCOMPARE(dataSet.ChangeCount(), 0);
 }
 
-QTEST_GUILESS_MAIN(TestRandomOperations)
+KALVOR_TEST_CLASS(TestRandomOperations)
 #include "tst_random_operations.moc"

@@ -248,5 +248,5 @@ void TestValues::textsInOrder()
   QCOMPARE(compareText(u"ѝ", u"и"), 0);
 }
 
-QTEST_GUILESS_MAIN(TestValues)
+KALVOR_TEST_CLASS(TestValues)
 #include "tst_values.moc"

@@ -329,5 +329,5 @@ void TestViews::locate()
   QVERIFY(isNull(dataSet.Lookup(QStringLiteral("Id"), 400, QStringLiteral("Amount"))));
 }
 
-QTEST_GUILESS_MAIN(TestViews)
+KALVOR_TEST_CLASS(TestViews)
 #include "tst_views.moc"
