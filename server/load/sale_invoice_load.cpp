@@ -28,10 +28,10 @@ QStringList columnNames(const char* const (&names)[count])
 }
 
 template <size_t count>
-void findSlots(const LoadRow& row, const char* const (&names)[count], int* slots)
+void findSlots(const LoadRow& row, const char* const (&names)[count], int* positions)
 {
   for (size_t i = 0; i < count; ++i) {
-    slots[i] = row.slot(QLatin1StringView(names[i]));
+    positions[i] = row.slot(QLatin1StringView(names[i]));
   }
 }
 

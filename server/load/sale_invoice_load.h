@@ -1,6 +1,8 @@
 // Completes loaded sale invoices: headers from their customer and currency, lines from their item and the VAT set-up.
 #pragma once
 
+#include <QDate>
+
 #include "server/load/key_lookup.h"
 #include "server/load/row_completion.h"
 

@@ -92,7 +92,7 @@ QString withMarks(const QString& sql)
 
 QString cell(const RecordSet& records, qsizetype row, const char* name)
 {
-  return records.value(row, records.indexOf(QLatin1StringView(name))).toString();
+  return records.value(row, records.indexOf(QString::fromLatin1(name))).toString();
 }
 
 void MetadataChecker::read()

@@ -57,11 +57,11 @@ QString joinedLines(const QJsonValue& value)
   return lines.join(u'\n');
 }
 
-StoredField readField(const QJsonObject& object, const QString& baseTable, bool readOnlyQuery, const MetadataPlace& place)
+DeclaredField readField(const QJsonObject& object, const QString& baseTable, bool readOnlyQuery, const MetadataPlace& place)
 {
   allowKeys(object, {"name", "caption", "kind", "flags", "source", "format", "default", "options", "selector", "updatable"},
             place);
-  StoredField field;
+  DeclaredField field;
   field.name = textOf(object, "name");
   if (field.name.isEmpty()) {
     place.fail(QStringLiteral("a field without a name"));
@@ -91,10 +91,10 @@ StoredField readField(const QJsonObject& object, const QString& baseTable, bool 
   return field;
 }
 
-QString selectStatement(const StoredQuery& query, const QString& from)
+QString selectStatement(const DeclaredQuery& query, const QString& from)
 {
   QStringList columns;
-  for (const StoredField& field : query.fields) {
+  for (const DeclaredField& field : query.fields) {
     if (!field.source.isEmpty()) {
       columns.append(field.source + QStringLiteral(" AS ") + field.name);
     }
@@ -102,9 +102,9 @@ QString selectStatement(const StoredQuery& query, const QString& from)
   return QStringLiteral("SELECT ") + columns.join(QStringLiteral(", ")) + QStringLiteral("\nFROM ") + from;
 }
 
-StoredQuery readQuery(const QJsonObject& object, int formId, const MetadataPlace& place, bool editable = false)
+DeclaredQuery readQuery(const QJsonObject& object, int formId, const MetadataPlace& place, bool editable = false)
 {
-  StoredQuery query;
+  DeclaredQuery query;
   query.id = numberOf(object, "query", place);
   query.formId = formId;
   query.datasetIndex = numberOf(object, "index", place);
@@ -153,9 +153,9 @@ QString lineColors(const QJsonArray& datasets, const MetadataPlace& place)
   return xml;
 }
 
-StoredForm readFormHead(const QJsonObject& object, const MetadataPlace& place)
+DeclaredForm readFormHead(const QJsonObject& object, const MetadataPlace& place)
 {
-  StoredForm form;
+  DeclaredForm form;
   form.id = numberOf(object, "id", place);
   form.caption = textOf(object, "caption");
   form.className = textOf(object, "class");
@@ -163,10 +163,12 @@ StoredForm readFormHead(const QJsonObject& object, const MetadataPlace& place)
   form.filter = textOf(object, "filter");
   form.order = textOf(object, "order");
   form.lineColors = lineColors(object.value(QStringLiteral("colors")).toArray(), place);
+  form.menuGroup = textOf(object, "menu");
+  form.menuOrder = object.value(QStringLiteral("menuOrder")).toInt();
   return form;
 }
 
-void appendDataset(Metadata& metadata, StoredForm form, const StoredQuery& query)
+void appendDataset(DeclaredMetadata& metadata, DeclaredForm form, const DeclaredQuery& query)
 {
   form.datasetIndex = query.datasetIndex;
   form.baseTable = query.baseTable;
@@ -175,17 +177,20 @@ void appendDataset(Metadata& metadata, StoredForm form, const StoredQuery& query
     form.order.clear();
     form.filter.clear();
     form.lineColors.clear();
+    form.menuGroup.clear();
+    form.menuOrder = 0;
   }
   metadata.forms.append(form);
   metadata.queries.append(query);
 }
 
 // A list may name its card, which then shows the same fields, editable.
-void readForm(const QJsonObject& object, const MetadataPlace& file, Metadata& metadata)
+void readForm(const QJsonObject& object, const MetadataPlace& file, DeclaredMetadata& metadata)
 {
   const MetadataPlace place = file.in(QString::number(object.value(QStringLiteral("id")).toInt()));
-  allowKeys(object, {"id", "caption", "class", "captionFields", "filter", "order", "colors", "card", "datasets"}, place);
-  const StoredForm form = readFormHead(object, place);
+  allowKeys(object, {"id", "caption", "class", "captionFields", "filter", "order", "colors", "menu", "menuOrder", "card",
+                     "datasets"}, place);
+  const DeclaredForm form = readFormHead(object, place);
   const QJsonArray datasets = object.value(QStringLiteral("datasets")).toArray();
   for (const QJsonValue& dataset : datasets) {
     allowKeys(dataset.toObject(), {"index", "query", "description", "comment", "table", "company", "key", "order",
@@ -195,8 +200,8 @@ void readForm(const QJsonObject& object, const MetadataPlace& file, Metadata& me
   const QJsonObject card = object.value(QStringLiteral("card")).toObject();
   if (!card.isEmpty()) {
     allowKeys(card, {"id", "caption", "class", "captionFields", "query"}, place);
-    const StoredForm cardForm = readFormHead(card, place);
-    StoredQuery query = readQuery(datasets.first().toObject(), cardForm.id, place, true);
+    const DeclaredForm cardForm = readFormHead(card, place);
+    DeclaredQuery query = readQuery(datasets.first().toObject(), cardForm.id, place, true);
     query.id = numberOf(card, "query", place);
     query.description = cardForm.caption;
     appendDataset(metadata, cardForm, query);
@@ -205,7 +210,7 @@ void readForm(const QJsonObject& object, const MetadataPlace& file, Metadata& me
 
 }  // namespace
 
-void readMetadataFile(const QByteArray& json, const QString& name, Metadata& metadata)
+void readMetadataFile(const QByteArray& json, const QString& name, DeclaredMetadata& metadata)
 {
   const MetadataPlace place{name};
   QJsonParseError error;
@@ -225,9 +230,9 @@ void readMetadataFile(const QByteArray& json, const QString& name, Metadata& met
   }
 }
 
-Metadata embeddedMetadata()
+DeclaredMetadata embeddedMetadata()
 {
-  Metadata metadata;
+  DeclaredMetadata metadata;
   const QDir folder(QStringLiteral(":/metadata"));
   for (const QString& name : folder.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name)) {
     QFile file(folder.filePath(name));

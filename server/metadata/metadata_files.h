@@ -17,7 +17,7 @@ class KALVOR_SERVER MetadataError : public std::runtime_error {
 };
 
 // One field of a query; how it reaches S_FieldList stands in metadata_loader.h.
-struct StoredField {
+struct DeclaredField {
   QString name;
   QString caption;       // empty: the field keeps its name
   QString kind;          // "0".."9"
@@ -35,7 +35,7 @@ struct StoredField {
   bool copied = false;
 };
 
-struct StoredQuery {
+struct DeclaredQuery {
   int id = 0;
   int formId = 0;
   int datasetIndex = 0;  // -1: asked for without a form
@@ -46,10 +46,10 @@ struct StoredQuery {
   QString keyField;
   QString companyField;  // empty: not company data
   QString defaultOrder;
-  QList<StoredField> fields;
+  QList<DeclaredField> fields;
 };
 
-struct StoredForm {
+struct DeclaredForm {
   int id = 0;
   int datasetIndex = 0;
   QString caption;
@@ -59,17 +59,19 @@ struct StoredForm {
   QString filter;
   QString order;
   QString lineColors;    // on dataset 0 only
+  QString menuGroup;     // where the client's menu shows the form; empty: nowhere
+  int menuOrder = 0;
 };
 
-struct Metadata {
-  QList<StoredForm> forms;
-  QList<StoredQuery> queries;
+struct DeclaredMetadata {
+  QList<DeclaredForm> forms;
+  QList<DeclaredQuery> queries;
 };
 
 // Adds the content of one data file. Throws MetadataError, also for a key it does not know.
-KALVOR_SERVER void readMetadataFile(const QByteArray& json, const QString& name, Metadata& metadata);
+KALVOR_SERVER void readMetadataFile(const QByteArray& json, const QString& name, DeclaredMetadata& metadata);
 
 // Everything inside the program.
-KALVOR_SERVER Metadata embeddedMetadata();
+KALVOR_SERVER DeclaredMetadata embeddedMetadata();
 
 }  // namespace kalvor::server

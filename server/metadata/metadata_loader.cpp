@@ -19,10 +19,10 @@ bool mayWrite(Connection& connection, const QString& table, const QString& where
   return isNull(connection.value(QStringLiteral("SELECT 1 FROM %1 WHERE %2").arg(table, where), key));
 }
 
-void insertFields(RowInserter& rows, const StoredQuery& query)
+void insertFields(RowInserter& rows, const DeclaredQuery& query)
 {
   for (int i = 0; i < query.fields.size(); ++i) {
-    const StoredField& field = query.fields.at(i);
+    const DeclaredField& field = query.fields.at(i);
     rows.insert({query.id, field.name, textOrNull(field.caption), field.kind, digitOf(field.required),
                  digitOf(field.updatable), digitOf(field.visible), digitOf(field.filterable), digitOf(field.readOnly),
                  digitOf(field.copied), textOrNull(field.displayFormat), textOrNull(field.table), i,
@@ -33,11 +33,11 @@ void insertFields(RowInserter& rows, const StoredQuery& query)
 
 }  // namespace
 
-int loadMetadata(Connection& connection, const Metadata& metadata, ExistingRows existing)
+int loadMetadata(Connection& connection, const DeclaredMetadata& metadata, ExistingRows existing)
 {
   RowInserter forms(connection, QStringLiteral("S_Forms"),
                     {"ID", "Ds_Index", "Caption", "ClassName", "CaptionFields", "BaseTable", "FormFilter", "OrderBy",
-                     "LineColors"});
+                     "LineColors", "TextValue", "IntegerValue"});
   RowInserter queries(connection, QStringLiteral("S_QueryList"),
                       {"Id", "Description", "Form_Id", "Ds_Index", "Comment", "SqlText", "BaseTable", "KeyField",
                        "CompanyField", "DefaultOrder"});
@@ -45,16 +45,16 @@ int loadMetadata(Connection& connection, const Metadata& metadata, ExistingRows 
                      {"SQL_ID", "FieldName", "Caption", "FieldType", "Required", "Updatable", "Visible", "Filterable",
                       "ReadOnly", "CopyField", "DisplayFormat", "Origin", "FieldIndex", "FieldFilter", "DefaultValue",
                       "OptionCaption", "SelectorDesc"});
-  for (const StoredForm& form : metadata.forms) {
+  for (const DeclaredForm& form : metadata.forms) {
     if (mayWrite(connection, QStringLiteral("S_Forms"), QStringLiteral("ID = ? AND Ds_Index = ?"),
                  {form.id, form.datasetIndex}, existing)) {
       forms.insert({form.id, form.datasetIndex, form.caption, textOrNull(form.className),
                     textOrNull(form.captionFields), form.baseTable, textOrNull(form.filter), textOrNull(form.order),
-                    textOrNull(form.lineColors)});
+                    textOrNull(form.lineColors), textOrNull(form.menuGroup), form.menuOrder});
     }
   }
   int written = 0;
-  for (const StoredQuery& query : metadata.queries) {
+  for (const DeclaredQuery& query : metadata.queries) {
     if (!mayWrite(connection, QStringLiteral("S_QueryList"), QStringLiteral("Id = ?"), {query.id}, existing)) {
       continue;
     }

@@ -10,6 +10,6 @@ enum class ExistingRows : quint8 { Keep, Replace };
 
 // Keep adds only forms and queries that the database does not have, so that what an administrator changed stays;
 // Replace brings the program's own back. Runs inside the caller's transaction. Returns how many queries it wrote.
-KALVOR_SERVER int loadMetadata(Connection& connection, const Metadata& metadata, ExistingRows existing);
+KALVOR_SERVER int loadMetadata(Connection& connection, const DeclaredMetadata& metadata, ExistingRows existing);
 
 }  // namespace kalvor::server

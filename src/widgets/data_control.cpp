@@ -1,5 +1,6 @@
 #include "widgets/data_control.h"
 
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QTimer>
 

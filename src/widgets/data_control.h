@@ -69,7 +69,7 @@ class KALVOR_WIDGETS DataControl {
   void setReadOnlyColor(const QColor& color);
   QColor readOnlyColor() const { return readOnlyColor_; }
 
-  bool isModified() const { return modified_; }  // holds something the field has not got yet
+  bool isPending() const { return modified_; }  // holds something the field has not got yet
   bool isRefused() const { return refused_; }    // and the field would not take it
   // Writes to the field. False when it was refused: the message has been given, the text stays.
   bool commit();

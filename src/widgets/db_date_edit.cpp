@@ -1,5 +1,7 @@
 #include "widgets/db_date_edit.h"
 
+#include <QDate>
+
 #include "widgets/field_validator.h"
 
 namespace kalvor {

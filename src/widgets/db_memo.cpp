@@ -54,7 +54,7 @@ void TDBMemo::updateAccess()
 void TDBMemo::keyPressEvent(QKeyEvent* event)
 {
   if (event->key() == Qt::Key_Escape) {
-    if (isModified()) {
+    if (isPending()) {
       revert();
       event->accept();
     } else {

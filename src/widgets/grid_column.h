@@ -27,12 +27,12 @@ enum class CellEditorKind : quint8 { ByType, DropDown, CheckBox, Selector, Date 
 
 struct CellEditor {
   CellEditorKind kind = CellEditorKind::ByType;
-  QString name;                                // object name of the editor
-  QStringList items;                           // of a drop-down
+  QString name = {};                            // object name of the editor
+  QStringList items = {};                        // of a drop-down
   QString checked = QStringLiteral("1");       // of a check box
   QString unchecked = QStringLiteral("0");
   // Makes the editor instead of the grid; a DataControl, which the grid binds. Empty = the grid's own.
-  std::function<QWidget*(QWidget* parent)> create;
+  std::function<QWidget*(QWidget* parent)> create = {};
 };
 
 // What a cell is about to be painted with; a handler changes what it wants to.
