@@ -28,7 +28,7 @@ std::unique_ptr<server::ApplicationServer> demoServer()
   server::DemoOptions demo;
   demo.hashDigest = server::hashDigest;
   demo.contragents = 20;
-  demo.items = 20;
+  demo.items = 50;
   demo.invoices = 10;
   const auto writer = started->core().openWriter();
   server::createDemoCompany(*writer, demo);
@@ -86,6 +86,9 @@ class SessionServerTest : public QObject {
     const QString noData = QStringLiteral("Грешка при извличане на данни!\r\nМоля, проверете коректността на въведените данни!");
     QTest::newRow("password") << "SUPERVSR" << "x" << "" << QStringLiteral("Не валидна парола");
     QTest::newRow("user") << "NOBODY" << "demo" << "" << noData;
+    QTest::newRow("object") << "CLERK" << "demo" << "3" << noData;
+    QTest::newRow("inactive") << "FORMER" << "demo" << "2"
+                              << QStringLiteral("Потребителя не е активен!\n\rМоля, обърнете се към системния администратор за отстраняване на проблема!");
   }
   void refusals()
   {
@@ -152,9 +155,15 @@ class SessionServerTest : public QObject {
   {
     Desk desk(*server_, documents_);
     desk.logIn(QStringLiteral("SUPERVSR"));
-    const std::unique_ptr<TClientDataSet> rights(desk.dm.CreateCDS(103, {}, true));
-    QVERIFY(rights && rights->Active());
-    QVERIFY(rights->RecordCount() > 0);
+    const std::unique_ptr<TClientDataSet> items(desk.dm.CreateCDS(150, {}, true));
+    QVERIFY2(items && items->Active(), qPrintable(errors()));
+    QCOMPARE(items->RecordCount(), 32);
+    items->Last();
+    QCOMPARE(items->RecordCount(), 50);
+    QVERIFY(items->AllFetched());
+    const FilterArray none{{QStringLiteral("1"), QStringLiteral("="), 2, QString(), QString()}};
+    const std::unique_ptr<TClientDataSet> empty(desk.dm.CreateCDS(150, none, true));
+    QVERIFY(empty && empty->IsEmpty());
     QVERIFY(!desk.dm.CreateCDS(999999, {}, true));
   }
 
