@@ -36,6 +36,18 @@ QList<QDate> invoiceDays(DemoScope& scope)
   return days;
 }
 
+// Whether the total lies exactly between two cents, where binary and decimal arithmetic may part ways; such lines are
+// moved, so that everybody who recalculates the demo finds the same cents.
+bool liesBetweenCents(const SaleLineInput& line)
+{
+  constexpr qint64 quantityUnit = amountScale / 1000;
+  constexpr qint64 cent = amountScale / 100;
+  constexpr qint64 wholePercent = 100 * amountScale;
+  const qint64 kept = (wholePercent - line.discountPercent) * 10 / amountScale;  // tenths of a percent
+  const qint64 thousandths = line.quantity / quantityUnit * (line.unitPrice / cent) * kept;
+  return thousandths % 1'000'000 == 500'000;
+}
+
 struct InvoiceDraft {
   QString id;
   QDate day;
@@ -137,7 +149,13 @@ void InvoiceWriter::draftLine(const InvoiceDraft& draft, int number, SaleTotalsB
                                    : qint64(random.chance(70) ? random.between(1, 12) : random.between(10, 120)) * amountScale;
   input.unitPrice = scaled(roundUp(
       2, unscaled(item.price) * draft.customer->pricePercent / 100 * static_cast<long double>(draft.currencyPerEuro)));
-  input.discountPercent = random.chance(85) ? 0 : random.between(1, 4) * 5 / 2 * amountScale;
+  input.discountPercent = random.chance(85) ? 0 : random.between(1, 4) * 5 * (amountScale / 2);
+  if (liesBetweenCents(input)) {
+    input.discountPercent = 0;
+  }
+  if (liesBetweenCents(input)) {
+    input.quantity += amountScale / 1000;
+  }
   input.vatPercent = vat.percent;
   input.currencyFactor = draft.currencyFactor;
   input.foreignCurrency = !draft.currencyId.isEmpty();

@@ -5,4 +5,6 @@ target_sources(KalvorServerCore PRIVATE
   demo/demo_names.cpp
   demo/demo_partners.cpp
   demo/demo_setup.cpp
-  demo/demo_users.cpp)
+  demo/demo_users.cpp
+  demo/init_command.cpp
+  demo/invoice_generator.cpp)

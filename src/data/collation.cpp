@@ -68,6 +68,9 @@ quint32 primaryWeight(const CollationTables& t, char16_t c)
     case 0x2010: case 0x2011: case 0x2012: case 0x2013: case 0x2014: return quint32(t.weight[u'-']) << 16;
     case 0x2018: case 0x2019: case 0x201A: return quint32(t.weight[u'\'']) << 16;
     case 0x201C: case 0x201D: case 0x201E: return quint32(t.weight[u'"']) << 16;
+    case 0x2026: return quint32(t.weight[u'.']) << 16;
+    case 0x20AC: return quint32(t.weight[u'$']) << 16;
+    case 0x2116: return quint32(t.weight[u'#']) << 16;
     case 0x2002: case 0x2003: case 0x2009: case 0x202F: return quint32(t.weight[u' ']) << 16;
     case 0x200B: case 0x200C: case 0x200D: case 0xFEFF: return 0;
     default: return quint32(otherWeight) << 16 | foldedCharacter(c);
