@@ -168,7 +168,8 @@ void TfBase::SetFormCaption(const QString& caption, const QString& fields)
   QString title = caption;
   const TClientDataSet* master = GetCdsMaster();
   for (const QString& name : fields.split(u';', Qt::SkipEmptyParts)) {
-    if (const TField* field = master ? master->FindField(name.trimmed()) : nullptr) {
+    const TField* field = master && master->Active() ? master->FindField(name.trimmed()) : nullptr;
+    if (field && !field->AsString().isEmpty()) {
       title = field->AsString() + QStringLiteral(" - ") + title;
     }
   }
