@@ -43,6 +43,17 @@ void TDBGrid::connectModel()
       setFocus(Qt::OtherFocusReason);
     }
   });
+  // The toolkit's own reactions select columns and rows, and move the cursor to the first shown record.
+  for (QHeaderView* header : {static_cast<QHeaderView*>(header_), verticalHeader()}) {
+    disconnect(header, SIGNAL(sectionPressed(int)), this, nullptr);
+    disconnect(header, SIGNAL(sectionEntered(int)), this, nullptr);
+  }
+  connect(verticalHeader(), &QHeaderView::sectionPressed, this, [this](int row) {
+    if (currentIndex().isValid()) {
+      setCurrentIndex(model_->index(row, currentIndex().column()));
+    }
+    setFocus(Qt::MouseFocusReason);
+  });
   connect(header_, &QHeaderView::sectionClicked, this, [this](int section) {
     TField* field = model_->fieldAt(section);
     if (field && commitCell()) {

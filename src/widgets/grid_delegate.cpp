@@ -151,6 +151,7 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
     control->setDataSet(grid_->dataSet());
     control->setDataField(field->FieldName());
   }
+  grid_->editor_ = editor;
   return editor;
 }
 
@@ -223,7 +224,7 @@ bool GridDelegate::eventFilter(QObject* watched, QEvent* event)
         QWidget* focus = QApplication::focusWidget();
         const DataControl* control = DataControl::of(editor);
         const bool elsewhere = focus && focus != editor && !editor->isAncestorOf(focus) && !QApplication::activePopupWidget();
-        if (elsewhere && (!control || !control->isPending())) {
+        if (elsewhere && editor == grid_->cellEditor() && (!control || !control->isPending())) {
           emit closeEditor(editor, NoHint);
         }
       });

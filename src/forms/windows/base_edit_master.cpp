@@ -71,6 +71,7 @@ TfBaseEditMasterDetail::TfBaseEditMasterDetail(QWidget* parent)
   dbgDetail_->setObjectName(QStringLiteral("dbgDetail"));
   dbgDetail_->setAccessibleName(QStringLiteral("Редове"));
   dbgDetail_->setDataSet(cdsDetail_);
+  dbgDetail_->setFrameShape(QFrame::NoFrame);
   dbgDetail_->setInCellEditing(true);
   dbgDetail_->setMultiSelect(true);
   addNamedAction(QStringLiteral("acToggleMasterDetail"), QStringLiteral("Сменя заглавие/редове"),

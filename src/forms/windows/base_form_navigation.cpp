@@ -129,7 +129,7 @@ void TfBase::focusFirstControl()
 
 bool TfBase::event(QEvent* event)
 {
-  if (d->stage == Private::Stage::Shown && !d->hosted) {
+  if (d && d->stage == Private::Stage::Shown && !d->hosted) {
     if (event->type() == QEvent::WindowActivate) {
       FormActivate();
     } else if (event->type() == QEvent::WindowDeactivate) {
@@ -168,7 +168,8 @@ void TfBase::SetFormCaption(const QString& caption, const QString& fields)
   QString title = caption;
   const TClientDataSet* master = GetCdsMaster();
   for (const QString& name : fields.split(u';', Qt::SkipEmptyParts)) {
-    if (const TField* field = master ? master->FindField(name.trimmed()) : nullptr) {
+    const TField* field = master && master->Active() ? master->FindField(name.trimmed()) : nullptr;
+    if (field && !field->AsString().isEmpty()) {
       title = field->AsString() + QStringLiteral(" - ") + title;
     }
   }

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int memoTextSize = 300;   // longer texts get several lines
 constexpr int memoLines = 3;
+constexpr int lineHeight = 28;
 constexpr int columnWidth = 420;    // of the controls
 constexpr int widestCaption = 190;
 
@@ -189,6 +190,7 @@ void RecordLayout::addLine(QWidget* page, QGridLayout& grid, int row, const Reco
     cell->addStretch(1);
   }
   grid.addLayout(cell, row, 1);
+  grid.setRowMinimumHeight(row, lineHeight);
 }
 
 void RecordLayout::bind(QWidget* control, TField* field)
