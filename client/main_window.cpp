@@ -357,6 +357,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
       return;
     }
   event->accept();
+  Q_EMIT closed();
 }
 
 }  // namespace kalvor

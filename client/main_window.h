@@ -35,6 +35,9 @@ class MainWindow : public QMainWindow, public IMainFormIntf, public FormHost {
   // FormHost
   QMdiArea* childArea() override { return area_; }
 
+ Q_SIGNALS:
+  void closed();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 

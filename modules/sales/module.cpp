@@ -16,4 +16,5 @@ KALVOR_REGISTER_FORMS
   RegisterFormClass(formClass<TfBrItem>());
   RegisterFormClass(formClass<TfEdItem>());
   RegisterFormClass(formClass<TfBrNomenclature>());
+  RegisterFormClass(formClass<TfEdNomenclature>());
 }

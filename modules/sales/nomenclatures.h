@@ -31,10 +31,16 @@ class TfEdItem : public TfBaseEditMaster {
   using TfBaseEditMaster::TfBaseEditMaster;
 };
 
-class TfBrNomenclature : public TfBaseBrowse {
+class TfBrNomenclature : public TfBaseBrowseCard {
   Q_OBJECT
  public:
-  using TfBaseBrowse::TfBaseBrowse;
+  using TfBaseBrowseCard::TfBaseBrowseCard;
+};
+
+class TfEdNomenclature : public TfBaseEditMaster {
+  Q_OBJECT
+ public:
+  using TfBaseEditMaster::TfBaseEditMaster;
 };
 
 }  // namespace kalvor

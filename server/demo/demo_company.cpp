@@ -59,6 +59,11 @@ void createDemoCompany(Connection& connection, const DemoOptions& options)
                    DemoRandom(options.seed + 1), options.contragents / 20, options.items / 20, options.invoices / 50,
                    {}, {}, {}, {}};
   createOneCompany(second, hash);
+  DemoScope empty{connection, options, QStringLiteral("3"), QStringLiteral("„Нова фирма“ ЕООД"),
+                  DemoRandom(options.seed + 2), 0, 0, 0, {}, {}, {}, {}};
+  createDemoSetup(empty);
+  createDemoUsers(empty, hash);
+  createDemoRates(empty);
   transaction.commit();
 }
 

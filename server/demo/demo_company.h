@@ -1,13 +1,14 @@
-// The demo: two companies to try everything on, the same every time.
+// The demo: three companies to try everything on, the same every time.
 //
 // Company "1" „Демо Търговия“ ООД has two stores and an office, several hundred contractors, about a thousand items
 // with prices and discounts, three years of currency rates and some five thousand sale invoices. Company "2"
-// „Проба“ ЕООД is small and shows that companies do not see each other. The local currency is EUR; invoices before
-// 2026 are in BGN at the fixed 1.95583, as they were issued.
+// „Проба“ ЕООД is small and shows that companies do not see each other; company "3" „Нова фирма“ ЕООД is set up but
+// has no records yet, for loading one's own. The local currency is EUR; invoices before 2026 are in BGN at the fixed
+// 1.95583, as they were issued.
 //
 // Every user's password is "demo". Company 1: SUPERVSR (administrator), CASHIER (sells in both stores), CLERK (sees
 // and changes the invoices of the object logged in to), AUDITOR (reads, prints, exports), FORMER (inactive), GUEST
-// (no rights at all). Company 2: SUPERVSR, OWNER (every right).
+// (no rights at all). Companies 2 and 3: SUPERVSR, OWNER (every right).
 #pragma once
 
 #include <QDate>

@@ -59,7 +59,8 @@ constexpr ObjectSeed objectSeeds[] = {
     {"1", "1", "SOF", "Магазин София", "София", "1", "CLERK", 45},
     {"1", "2", "PLV", "Магазин Пловдив", "Пловдив", "2", "CASHIER", 35},
     {"1", "3", "OFFICE", "Централен офис", "София", "3", "SUPERVSR", 20},
-    {"2", "4", "SHOP", "Магазин", "Варна", "1", "OWNER", 100}};
+    {"2", "4", "SHOP", "Магазин", "Варна", "1", "OWNER", 100},
+    {"3", "5", "OFFICE", "Офис", "Русе", "1", "OWNER", 100}};
 
 template <size_t count>
 void insertCoded(DemoScope& scope, const char* table, const CodedName (&rows)[count])

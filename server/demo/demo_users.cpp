@@ -25,7 +25,9 @@ constexpr UserSeed userSeeds[] = {
     {"1", "FORMER", "Касиер", Role::Cashier, false, "2"},
     {"1", "GUEST", "Стажант", Role::None, true, "3"},
     {"2", "SUPERVSR", "Администратор", Role::Administrator, true, "4"},
-    {"2", "OWNER", "Управител", Role::Owner, true, "4"}};
+    {"2", "OWNER", "Управител", Role::Owner, true, "4"},
+    {"3", "SUPERVSR", "Администратор", Role::Administrator, true, "5"},
+    {"3", "OWNER", "Управител", Role::Owner, true, "5"}};
 
 // Nine letters: read, edit, insert, delete, finish, print, export, edit properties, annul; "-" = no.
 struct RoleRights {

@@ -163,6 +163,8 @@ DeclaredForm readFormHead(const QJsonObject& object, const MetadataPlace& place)
   form.filter = textOf(object, "filter");
   form.order = textOf(object, "order");
   form.lineColors = lineColors(object.value(QStringLiteral("colors")).toArray(), place);
+  form.menuGroup = textOf(object, "menu");
+  form.menuOrder = object.value(QStringLiteral("menuOrder")).toInt();
   return form;
 }
 
@@ -175,6 +177,8 @@ void appendDataset(DeclaredMetadata& metadata, DeclaredForm form, const Declared
     form.order.clear();
     form.filter.clear();
     form.lineColors.clear();
+    form.menuGroup.clear();
+    form.menuOrder = 0;
   }
   metadata.forms.append(form);
   metadata.queries.append(query);
@@ -184,7 +188,8 @@ void appendDataset(DeclaredMetadata& metadata, DeclaredForm form, const Declared
 void readForm(const QJsonObject& object, const MetadataPlace& file, DeclaredMetadata& metadata)
 {
   const MetadataPlace place = file.in(QString::number(object.value(QStringLiteral("id")).toInt()));
-  allowKeys(object, {"id", "caption", "class", "captionFields", "filter", "order", "colors", "card", "datasets"}, place);
+  allowKeys(object, {"id", "caption", "class", "captionFields", "filter", "order", "colors", "menu", "menuOrder", "card",
+                     "datasets"}, place);
   const DeclaredForm form = readFormHead(object, place);
   const QJsonArray datasets = object.value(QStringLiteral("datasets")).toArray();
   for (const QJsonValue& dataset : datasets) {

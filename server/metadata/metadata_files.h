@@ -59,6 +59,8 @@ struct DeclaredForm {
   QString filter;
   QString order;
   QString lineColors;    // on dataset 0 only
+  QString menuGroup;     // where the client's menu shows the form; empty: nowhere
+  int menuOrder = 0;
 };
 
 struct DeclaredMetadata {

@@ -37,7 +37,7 @@ int loadMetadata(Connection& connection, const DeclaredMetadata& metadata, Exist
 {
   RowInserter forms(connection, QStringLiteral("S_Forms"),
                     {"ID", "Ds_Index", "Caption", "ClassName", "CaptionFields", "BaseTable", "FormFilter", "OrderBy",
-                     "LineColors"});
+                     "LineColors", "TextValue", "IntegerValue"});
   RowInserter queries(connection, QStringLiteral("S_QueryList"),
                       {"Id", "Description", "Form_Id", "Ds_Index", "Comment", "SqlText", "BaseTable", "KeyField",
                        "CompanyField", "DefaultOrder"});
@@ -50,7 +50,7 @@ int loadMetadata(Connection& connection, const DeclaredMetadata& metadata, Exist
                  {form.id, form.datasetIndex}, existing)) {
       forms.insert({form.id, form.datasetIndex, form.caption, textOrNull(form.className),
                     textOrNull(form.captionFields), form.baseTable, textOrNull(form.filter), textOrNull(form.order),
-                    textOrNull(form.lineColors)});
+                    textOrNull(form.lineColors), textOrNull(form.menuGroup), form.menuOrder});
     }
   }
   int written = 0;

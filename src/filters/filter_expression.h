@@ -1,6 +1,7 @@
 // The filter language: what a user types for one field, the filter it means, and its two stored forms.
 #pragma once
 
+#include <QDate>
 #include <functional>
 #include <optional>
 
@@ -19,7 +20,10 @@ struct CriterionValue {
 using ValueFunction = std::function<QString(const QString&)>;
 
 // All raise TELException with the routine's context when something unexpected happens.
-// BuildFilter: false when the criterion does not convert (the user was told); Filter is then untouched.
+// BuildFilter: false when the criterion does not convert (the user was told); Filter is then untouched. The rows
+// name the field by its origin (its name in filters), or by its own name where it has none; without a field,
+// fieldName is taken and the rules of texts. Types that have no rule of their own are read as the nearest one has it:
+// all whole numbers, currency, time stamps; the rest as text.
 KALVOR_RULES bool BuildFilter(const TField* field, const QString& criterionText, const QString& fieldName,
                               FilterArray& filter);
 KALVOR_RULES void PreparateFilterString(const QString& text, QString& leftText, QString& rightText, QString& op);
@@ -28,6 +32,9 @@ KALVOR_RULES bool ConvertFldValues(DataType type, const QString& leftText, const
 KALVOR_RULES TSimbol SetSimbol(const QString& text);
 KALVOR_RULES QString GenerateDate(const QString& text, bool convert);
 KALVOR_RULES int GenerateIntervalData(const QString& text, QString& dateText);
+
+// The same as a date; DataError "Error converting interval %s to DateTime" when the text is none.
+KALVOR_RULES QDate ConvertIntervalToDate(const QString& text);
 
 // The stored filter string: "Name,LIKE,ab%,&Code,=,5,".
 KALVOR_RULES QString BuildStrFilter(const FilterArray& filter);

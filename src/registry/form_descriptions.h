@@ -1,10 +1,6 @@
 // What the server knows of a form identifier: class, caption, base table, default filter and order. Asked once a
-// session and kept.
+// session and kept in the session's form list.
 #pragma once
-
-#include <functional>
-#include <memory>
-#include <vector>
 
 #include "registry/form_types.h"
 
@@ -13,31 +9,12 @@ namespace kalvor {
 // A row as `GetFormsDescription` delivers it; missing columns are empty.
 KALVOR_RULES TFormData formDataFromRow(const VariantArray& row);
 
-class KALVOR_RULES FormDescriptions {
- public:
-  // Asks the server; gives the count of rows (0 or less = unknown form) and the rows.
-  using Source = std::function<int(const QString& formId, int dsIndex, VariantArray& rows)>;
-  explicit FormDescriptions(Source source);
-
-  // The description, null when the form is not registered (the user was told). The pointer stays good until clear().
-  const TFormData* find(const QString& formId, int dsIndex);
-  const TFormData* cached(const QString& formId, int dsIndex) const;
-  void clear() { entries_.clear(); }
-
- private:
-  struct Entry {
-    QString formId;
-    TFormData data;
-  };
-  Source source_;
-  std::vector<std::unique_ptr<Entry>> entries_;
-};
-
-// The session's, over its server connection.
-KALVOR_RULES FormDescriptions& formDescriptions();
-
-// TELException with "uKalvorUtils.GetFromDataObject" when the call itself fails.
+// The description of a form identifier (decimal text) and dataset index; null when the form is not registered (the
+// user was told). The pointer stays good for the session. TELException with "uKalvorUtils.GetFromDataObject" when the
+// server cannot be asked.
 KALVOR_RULES const TFormData* GetFromDataObject(const QString& formId, int dsIndex);
+// The same, without asking the server; null when it is not known yet.
+KALVOR_RULES const TFormData* cachedFormData(const QString& formId, int dsIndex);
 // The cached caption, or empty.
 KALVOR_RULES QString GetFormCaption(const QString& formId);
 

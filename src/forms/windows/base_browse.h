@@ -5,6 +5,7 @@
 
 namespace kalvor {
 
+class TDBGrid;
 class TDBGridEx;
 
 class BASE_PACKAGE TfBaseBrowse : public TfBase {
@@ -30,6 +31,7 @@ class BASE_PACKAGE TfBaseBrowse : public TfBase {
  protected:
   // Opens the card; options say what for.
   void openCard(ShowOption options, const FilterArray& filter);
+  void gridDoubleClicked(TDBGrid* grid) override;
   FilterArray currentRecordFilter() const;  // "ID" = the current ID
   bool markedOrCurrentRows(const std::function<void()>& visit);
 
@@ -45,6 +47,9 @@ class BASE_PACKAGE TfBaseBrowseCard : public TfBaseBrowse {
   explicit TfBaseBrowseCard(QWidget* parent = nullptr);
   void acInsertRecordExecute() override;
   void acShowCardExecute();
+
+ protected:
+  void gridDoubleClicked(TDBGrid* grid) override;
 };
 
 class BASE_PACKAGE TfBaseBrowseCardNoDelete : public TfBaseBrowseCard {

@@ -8,12 +8,16 @@ class QSplitter;
 
 namespace kalvor {
 
+class SaveRequest;
 class TDBGridEx;
+struct RecordPosition;
+struct SaveDataSet;
 
 class BASE_PACKAGE TfBaseEdit : public TfBase {
   Q_OBJECT
  public:
   explicit TfBaseEdit(QWidget* parent = nullptr);
+  ~TfBaseEdit() override;
 
   TClientDataSet* cdsMaster() const { return cdsMaster_; }
 
@@ -28,7 +32,6 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   void InsertRecord() override;
   void EditRecord() override;
   void CopyRecord() override;
-  void CopyNew() override;
   void SaveDocument() override;
   // Between the server's yes and the discarding of the change logs.
   virtual void OnSaveBeforeGetData();
@@ -40,24 +43,33 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   TClientDataSet* cdsMaster_;
 
  private:
+  QList<SaveDataSet> saveDataSets() const;
+  bool sendChanges(const QList<SaveDataSet>& dataSets);
+  void finishSave(const QList<SaveDataSet>& dataSets, const QList<RecordPosition>& positions, const QString& savedId);
+  void readMasterAnew(const QString& savedId);
+  void returnToEdit(bool wasEditing, const QString& savedId);
+  void deleteMasterRecord();
+
+  std::unique_ptr<SaveRequest> saveRequest_;
   bool lastSaveSucceeded_ = true;
 };
 
-// The master on pages.
+// The master on pages. A form that brings no layout of its own gets one from the field descriptions.
 class BASE_PACKAGE TfBaseEditMaster : public TfBaseEdit {
   Q_OBJECT
  public:
   explicit TfBaseEditMaster(QWidget* parent = nullptr);
   QTabWidget* pcMaster() const { return pcMaster_; }
-  // Builds the pages from the field descriptions unless the form brought controls of its own.
   void buildLayout() override;
   void CDS_AfterScroll(TClientDataSet* dataSet) override;
 
  protected:
+  void buildPages(int rowsPerColumn);  // unless the form filled pcMaster itself
   QTabWidget* pcMaster_;
 };
 
-// The master on pages, its lines in the grid dbgDetail over cdsDetail.
+// The master on pages, its lines in the grid dbgDetail over cdsDetail. Editing a line puts the master into edit state,
+// so that saving, cancelling and the question before closing see one document.
 class BASE_PACKAGE TfBaseEditMasterDetail : public TfBaseEditMaster {
   Q_OBJECT
  public:
@@ -67,13 +79,20 @@ class BASE_PACKAGE TfBaseEditMasterDetail : public TfBaseEditMaster {
 
   void buildLayout() override;
   void CDS_AfterScroll(TClientDataSet* dataSet) override;
+  void acInsertRecordExecute() override;
   void acDeleteRecordExecute() override;
   void acToggleMasterDetailExecute();
 
  protected:
+  void CDS_BeforeEdit(TClientDataSet* dataSet) override;
+  void CDS_BeforeInsert(TClientDataSet* dataSet) override;
   TClientDataSet* cdsDetail_;
   TDBGridEx* dbgDetail_;
-  QSplitter* splitter_;
+  QSplitter* splitter_ = nullptr;
+
+ private:
+  void requireEditableDocument();
+  void deleteLines();
 };
 
 }  // namespace kalvor

@@ -18,7 +18,22 @@ namespace kalvor {
 
 struct TCDSOptions;
 struct TFormRights;
-class DBGridBase;
+class TDBGrid;
+
+// What acCopyNew copies of one dataset. An empty field list means the fields that the metadata lets be copied.
+struct TCopyInfo {
+  TClientDataSet* DataSet = nullptr;
+  bool AllRecords = false;
+  QString FieldList;  // ";"-separated
+};
+
+
+// What the user may not do, or not now. Shown, not logged.
+class BASE_PACKAGE FormRefusal : public DataError {
+ public:
+  explicit FormRefusal(const QString& message);
+  ~FormRefusal() override;
+};
 
 class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   Q_OBJECT
@@ -51,6 +66,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   bool tableFilterShown() const;
   // Column of the field's description row; null when the field is none of the form's or has no row.
   Variant GetFieldDescription(const TField* field, int column) const;
+  Variant fieldDescriptionRow(const TField* field) const;  // the whole row
 
   // --- Opening and closing ------------------------------------------------------------------------------
   void FormCreate();                        // once, when all datasets are there; DoShowForm does it otherwise
@@ -119,8 +135,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual bool CheckDataModification(bool edit, bool remove, bool insert);
   virtual void GetPrintDocument();
   virtual void ImportData();
-  virtual void DoSaveGridView(QWidget* grid);
-  virtual void DoLoadGridView(QWidget* grid);
+  virtual void DoSaveGridView(TDBGrid* grid);
+  virtual void DoLoadGridView(TDBGrid* grid);
   virtual bool isLockedField(TField* field);
   virtual void ProcessMarkedRecords(const TSelectionList& selection, ShowOption options);
   virtual void DoRecalcDocument();
@@ -154,12 +170,12 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
                  TSelectionList& selection, const TDefaultValues& defaults, const ParameterArray& parameter) override;
   virtual void InitGridColumns();
   bool ProcessSelectedRecords(const TSelectionList& selection, ShowOption options) override;
-  virtual void SetCopyInfo();
+  virtual void SetCopyInfo(QList<TCopyInfo>& list);
   void SetFormRights(int formId, bool defaultRight) override;
   void SetPblFilter(const FilterArray& publicFilter, const ParameterArray& params, bool merge) override;
   void SetSecurityFilter(const FilterArray& filter) override;
   int SetSelectorAction(TField* field) override;
-  virtual void DBG_ColEnter(DBGridBase* grid, int column);
+  virtual void DBG_ColEnter(TDBGrid* grid, TField* field);
   virtual QString SpellNumber(bool flag);
 
   // --- Bodies that descendants extend -------------------------------------------------------------------
@@ -188,14 +204,58 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   bool event(QEvent* event) override;
-  bool eventFilter(QObject* watched, QEvent* event) override;
   // The rights guards: raise the refusal with the form's identifier.
+  void requireReadRight();
   void requireEditRight();
   void requireInsertRight();
   void requireDeleteRight();
   void tellOwnerSaved(const QString& recordId);
+  void cancelAllUpdates();
+  // False: details have unsaved changes and the user wants to keep them.
+  bool mayLeaveRecord();
+  void focusFirstControl();
+  // A form that was opened on no record stays with this one.
+  void becomeCardOf(const FilterArray& record);
+  // A form that this one opened: it closes with this one.
+  void adoptOpenedForm(QWidget* form);
+  // The datasets' events; each ends with the handler that the form displaced.
+  virtual void CDS_OnNewRecord(TClientDataSet* dataSet);
+  virtual void CDS_OnStateChange(TClientDataSet* dataSet);
+  virtual void CDS_BeforeEdit(TClientDataSet* dataSet);
+  virtual void CDS_BeforeInsert(TClientDataSet* dataSet);
+  virtual void CDS_OnPostError(TClientDataSet* dataSet, const DataError& error, ErrorAction& action);
+  virtual void FormActivate();
+  virtual void FormDeactivate();
+  virtual bool handleEnter(QKeyEvent* event);  // before the focused control; true = used up
+  virtual void gridDoubleClicked(TDBGrid* grid);
   struct Private;
   std::unique_ptr<Private> d;
+
+ private:
+  friend class ControlWiring;
+  friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
+                         TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
+  void bindActions();
+  void hookDataSet(TClientDataSet* dataSet);
+  void openWithDescription();
+  void openMaster();
+  void takeDefaultFilter(const QString& text);
+  int SetFormProperties();
+  void prepareLayout();
+  int showModally();
+  void showAsChild();
+  void moveMaster(void (TClientDataSet::*move)());
+  bool closeOpenedForms();
+  void FormClose();
+  void FormDestroy();
+  void refreshCaption();
+  void refuseStateChange(DataSetState state);
+  void focusField(TField* field);
+  void acFieldFilterExecute();
+  void acRemoveFilterExecute();
+  void acCopyNewExecute();
+  void acExportExecute();
+  void titleClicked(TDBGrid* grid, TField* field);
 };
 
 }  // namespace kalvor

@@ -11,33 +11,33 @@ namespace {
 
 // Shortcuts beside F1, F6 and Shift+F6 are our own choice (docs/decisions.md).
 constexpr std::array formActionTable{
-    FormActionRow{u"acSave", u"Запис", "Ctrl+S", "document-save"},
-    FormActionRow{u"acCancel", u"Отказ", "Shift+F2", "edit-undo"},
-    FormActionRow{u"acExport", u"Експорт", "", "document-export"},
-    FormActionRow{u"acInsertRecord", u"Добавяне на запис", "Ctrl+N", "list-add"},
-    FormActionRow{u"acDeleteRecord", u"Изтриване", "F8", "edit-delete"},
-    FormActionRow{u"acCopyRecord", u"Копиране на запис", "", "edit-copy"},
-    FormActionRow{u"acEditRecord", u"Редакция", "F2", "document-edit"},
-    FormActionRow{u"acFieldFilter", u"Филтър", "F3", "view-filter"},
-    FormActionRow{u"acTableFilter", u"Филтър на таблица", "Ctrl+F3", "filter-symbolic"},
-    FormActionRow{u"acRemoveFilter", u"Премахва филтър", "Shift+F3", "edit-clear-all"},
-    FormActionRow{u"acFind", u"Търсене", "Ctrl+F", "edit-find"},
-    FormActionRow{u"acRefresh", u"Обновяване", "F5", "view-refresh"},
-    FormActionRow{u"acPrint", u"Печат", "Ctrl+P", "document-print"},
-    FormActionRow{u"acPrintSelect", u"Избор на печатна форма", "", "document-print"},
-    FormActionRow{u"acGetDetails", u"", "", ""},
-    FormActionRow{u"acSort", u"Сортиране", "Shift+F5", "view-sort-ascending"},
-    FormActionRow{u"acClose", u"", "", "window-close"},
-    FormActionRow{u"acTextPrint", u"Текстови печат", "", "document-print"},
-    FormActionRow{u"acPreview", u"", "", "document-print-preview"},
-    FormActionRow{u"acSelect", u"", "", "dialog-ok"},
-    FormActionRow{u"acCopyNew", u"", "Ctrl+Shift+N", "edit-duplicate"},
-    FormActionRow{u"acPostDocument", u"Осчетоводи", "F6", "dialog-ok-apply"},
-    FormActionRow{u"acImport", u"", "", "document-import"},
-    FormActionRow{u"acPostAndPrintDocument", u"Осчетоводяване и печат", "Shift+F6", "document-print"},
+    FormActionRow{u"acSave", u"Запис", "Ctrl+S", "document-save", true},
+    FormActionRow{u"acCancel", u"Отказ", "Ctrl+Z", "edit-undo", true},
+    FormActionRow{u"acExport", u"Експорт", "", "document-export", false},
+    FormActionRow{u"acInsertRecord", u"Добавяне на запис", "Ctrl+N", "list-add", true},
+    FormActionRow{u"acDeleteRecord", u"Изтриване", "F8", "edit-delete", true},
+    FormActionRow{u"acCopyRecord", u"Копиране на запис", "", "edit-copy", false},
+    FormActionRow{u"acEditRecord", u"Редакция", "F2", "document-edit", true},
+    FormActionRow{u"acFieldFilter", u"Филтър", "F3", "view-filter", true},
+    FormActionRow{u"acTableFilter", u"Филтър на таблица", "Ctrl+F3", "filter-symbolic", false},
+    FormActionRow{u"acRemoveFilter", u"Премахва филтър", "Shift+F3", "edit-clear-all", true},
+    FormActionRow{u"acFind", u"Търсене", "Ctrl+F", "edit-find", true},
+    FormActionRow{u"acRefresh", u"Обновяване", "F5", "view-refresh", true},
+    FormActionRow{u"acPrint", u"Печат", "Ctrl+P", "document-print", false},
+    FormActionRow{u"acPrintSelect", u"Избор на печатна форма", "", "document-print", false},
+    FormActionRow{u"acGetDetails", u"", "", "", false},
+    FormActionRow{u"acSort", u"Сортиране", "Shift+F5", "view-sort-ascending", false},
+    FormActionRow{u"acClose", u"", "", "window-close", false},
+    FormActionRow{u"acTextPrint", u"Текстови печат", "", "document-print", false},
+    FormActionRow{u"acPreview", u"", "", "document-print-preview", false},
+    FormActionRow{u"acSelect", u"", "", "dialog-ok", false},
+    FormActionRow{u"acCopyNew", u"", "Ctrl+Shift+N", "edit-duplicate", false},
+    FormActionRow{u"acPostDocument", u"Осчетоводи", "F6", "dialog-ok-apply", false},
+    FormActionRow{u"acImport", u"", "", "document-import", false},
+    FormActionRow{u"acPostAndPrintDocument", u"Осчетоводяване и печат", "Shift+F6", "document-print", false},
     FormActionRow{u"acReCalcDocument", u"", "", "view-refresh", false},
-    FormActionRow{u"acAnnulDocument", u"Анулиране на документ", "", "edit-delete-remove"},
-    FormActionRow{u"acHelp", u"Помощ", "F1", "help-contents"},
+    FormActionRow{u"acAnnulDocument", u"Анулиране на документ", "", "edit-delete-remove", false},
+    FormActionRow{u"acHelp", u"Помощ", "F1", "help-contents", false},
 };
 
 }  // namespace
@@ -57,10 +57,19 @@ QKeySequence formActionShortcut(const QString& name)
 FormActions::FormActions(QWidget* form, Runner runner) : form_(form), runner_(std::move(runner))
 {
   for (const FormActionRow& row : formActionTable) {
-    QAction* action = add(QString(row.name), QString(row.caption), QKeySequence(QLatin1String(row.shortcut)));
-    action->setEnabled(row.enabledAtFirst);
+    QAction* action = add(QString::fromUtf16(row.name), QString::fromUtf16(row.caption), QKeySequence(QLatin1String(row.shortcut)));
     if (*row.icon) {
       action->setIcon(QIcon::fromTheme(QLatin1String(row.icon)));
+    }
+  }
+  setEnabled(QStringLiteral("acReCalcDocument"), false);
+}
+
+void FormActions::leaveShortcutsToMainWindow(bool leave)
+{
+  for (const FormActionRow& row : formActionTable) {
+    if (row.mainWindowHasIt) {
+      find(QString::fromUtf16(row.name))->setShortcut(leave ? QKeySequence() : QKeySequence(QLatin1String(row.shortcut)));
     }
   }
 }

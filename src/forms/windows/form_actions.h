@@ -18,11 +18,10 @@ struct FormActionRow {
   const char16_t* caption;
   const char* shortcut;  // portable text; empty = none
   const char* icon;      // name in the icon theme; empty = none
-  bool enabledAtFirst = true;
+  bool mainWindowHasIt;  // the main window's command carries the shortcut while the form is a child window
 };
 
-// Of every form. The shortcuts belong to the form that has the focus: the main window shows them beside its own
-// commands (formActionShortcut) and does not claim them, since two claims on one key silence both.
+// Of every form. Two claims on one key silence both, so a child window leaves to the main window what that offers.
 BASE_PACKAGE std::span<const FormActionRow> formActionRows();
 BASE_PACKAGE QKeySequence formActionShortcut(const QString& name);
 
@@ -36,9 +35,11 @@ class FormActions {
   QAction* find(const QString& name) const { return actions_.value(name); }
   QAction* add(const QString& name, const QString& caption, const QKeySequence& shortcut);
   void bind(const QString& name, std::function<void()> handler, const QString& context);
+  bool isBound(const QString& name) const { return bindings_.contains(name); }
   bool isEnabled(const QString& name) const;
   void setEnabled(const QString& name, bool on);
   bool execute(const QString& name);
+  void leaveShortcutsToMainWindow(bool leave);
 
  private:
   struct Binding {

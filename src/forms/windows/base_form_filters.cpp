@@ -1,0 +1,148 @@
+// The form's filter: default, field filter, removal; ordering by a title click; searching.
+#include "filters/windows/field_filter_dialog.h"
+#include "forms/field_metadata.h"
+#include "forms/form_filters.h"
+#include "forms/messages.h"
+#include "forms/windows/base_form_private.h"
+#include "forms/windows/form_focus.h"
+#include "forms/windows/incremental_search.h"
+#include "platform/ports.h"
+#include "widgets/db_grid.h"
+
+namespace kalvor {
+
+namespace {
+
+// The parameters with the new ones in place of those of the same name, the others behind.
+ParameterArray withParameters(ParameterArray base, const ParameterArray& extra)
+{
+  for (const NamedValue& parameter : extra) {
+    const auto same = std::find_if(base.begin(), base.end(), [&](const NamedValue& known) {
+      return known.name.compare(parameter.name, Qt::CaseInsensitive) == 0;
+    });
+    same == base.end() ? base.append(parameter) : void(*same = parameter);
+  }
+  return base;
+}
+
+// The criterion that the form filter holds for the field, else what the field shows.
+QString startingCriterion(const TField* field, const FilterArray& formFilter)
+{
+  for (const FilterRow& row : formFilter) {
+    if (!field->Origin.isEmpty() && row.field == field->Origin) {
+      return variantText(row.value);
+    }
+  }
+  return field->DisplayText();
+}
+
+}  // namespace
+
+void TfBase::takeDefaultFilter(const QString& text)
+{
+  const DefaultFilterDecision decision = decideDefaultFilter(text, d->formFilter, d->options);
+  if (decision.kind == DefaultFilterDecision::Kind::Use) {
+    d->formFilter = decision.filter;
+  } else if (decision.kind == DefaultFilterDecision::Kind::AskUser) {
+    d->openEmpty = true;
+  }
+}
+
+void TfBase::SetPblFilter(const FilterArray& publicFilter, const ParameterArray& params, bool merge)
+{
+  const WaitCursorScope wait;
+  const FilterArray newFilter = mergeFormFilter(d->formFilter, publicFilter, merge);
+  const ParameterArray before = std::exchange(d->sqlParameters, withParameters(d->sqlParameters, params));
+  if (!RequestDataSet(0, buildRequestFilter(d->callerFilter, newFilter), d->sortOrder)) {
+    d->sqlParameters = before;
+    return;
+  }
+  d->formFilter = newFilter;
+  d->hasFilter = !newFilter.isEmpty();
+  reopenMaster();
+  if (GetCdsMaster()->Active()) {
+    acGetDetailsExecute();
+  }
+  if (IMainFormIntf* main = mainForm()) {
+    main->SetHasFilter(d->hasFilter);
+  }
+}
+
+void TfBase::acFieldFilterExecute()
+{
+  if (!QueryToSaveBeforeToDo()) {
+    return;
+  }
+  TField* field = focusedField(this);
+  if (!field) {
+    throw FormRefusal(_err_selectField);
+  }
+  if (!hasFlag(field, ffFilterable)) {
+    throw FormRefusal(_err_NotFilterableField);
+  }
+  const TCDSOptions* entry = GetCdsOptsByFld(field);
+  const int row = EncodeFieldIndexFromTag(field->Tag);
+  const VariantArray description = entry ? entry->FieldDescriptions.value(row).toList() : VariantArray();
+  const QString tableFilter = QStringLiteral("acTableFilter");
+  TfFilterFields dialog(this, d->formId, field, description, startingCriterion(field, d->formFilter),
+                        field->DisplayLabel, d->actions.isBound(tableFilter) ? action(tableFilter) : nullptr, window());
+  dialog.DoShowFieldFilter();
+}
+
+void TfBase::acRemoveFilterExecute()
+{
+  if (!QueryToSaveBeforeToDo()) {
+    return;
+  }
+  const WaitCursorScope wait;
+  if (!RequestDataSet(0, d->callerFilter, d->sortOrder)) {
+    return;
+  }
+  d->formFilter.clear();
+  d->hasFilter = false;
+  reopenMaster();
+  if (IMainFormIntf* main = mainForm()) {
+    main->SetHasFilter(false);
+  }
+}
+
+void TfBase::becomeCardOf(const FilterArray& record)
+{
+  d->callerFilter = callerWithSecurityFilter(record, securityFilter());
+}
+
+void TfBase::acExportExecute()
+{
+  if (!d->rights.ExportRight) {
+    throw FormRefusal(rightsRefusal(_err_ExportNotAllowed, d->formId));
+  }
+}
+
+void TfBase::titleClicked(TDBGrid* grid, TField* field)
+{
+  TClientDataSet* dataSet = grid->dataSet();
+  const bool sortable = field && (field->FieldKind() == FieldValueKind::Data ||
+                                  field->FieldKind() == FieldValueKind::InternalCalculated);
+  if (!dataSet || !dataSet->Active() || dataSet->State() == DataSetState::Insert || !sortable) {
+    return;
+  }
+  runGuarded(QStringLiteral("TfBase.DBGridTitleClick"), [&] {
+    const WaitCursorScope wait;
+    dataSet->SetIndexFieldNames(field->FieldName());
+    dataSet->First();
+    grid->selectField(field->FieldName());
+  });
+}
+
+void TfBase::FindDialogExecute(const QString& text)
+{
+  TDBGrid* grid = focusedGrid(this);
+  if (!grid) {
+    grid = findChild<TDBGrid*>();
+  }
+  if (grid && grid->selectedField()) {
+    IncrementalSearch::start(grid, text);
+  }
+}
+
+}  // namespace kalvor

@@ -1,0 +1,206 @@
+#include "forms/windows/control_wiring.h"
+
+#include <QFrame>
+
+#include "common/sql_text.h"
+#include "forms/field_metadata.h"
+#include "forms/windows/base_form.h"
+#include "forms/windows/base_form_private.h"
+#include "forms/windows/form_focus.h"
+#include "forms/windows/grid_keys.h"
+#include "registry/windows/date_selector.h"
+#include "session/dm.h"
+#include "widgets/db_check_box.h"
+#include "widgets/db_combo_box.h"
+#include "widgets/db_date_edit.h"
+#include "widgets/db_grid_ex.h"
+#include "widgets/edit_button.h"
+#include "widgets/theme.h"
+
+namespace kalvor {
+
+namespace {
+
+constexpr int shortestCaption = 3;
+constexpr int movedLabelTag = 3;
+constexpr int movedLabelLeft = 10;
+
+// Invalid: the controls keep their own.
+QColor sessionReadOnlyColor()
+{
+  return DM && DM->ReadOnlyColor != 0 ? QColor::fromRgba(DM->ReadOnlyColor) : QColor();
+}
+
+bool isPopUpDate(const TField* field)
+{
+  return hasFlag(field, ffDate) &&
+         (field->FieldDataType() == DataType::Date || field->FieldDataType() == DataType::DateTime);
+}
+
+void addDateButton(TfBase* form, DataEdit* edit, TField* field)
+{
+  if (edit->findChild<EditButtonPlacement*>()) {
+    return;
+  }
+  auto* button = new EditButton(edit);
+  button->setObjectName(QStringLiteral("btn_") + field->FieldName());
+  button->setIcon(icon(QStringLiteral("view-calendar")));
+  button->setEnabled(!hasFlag(field, ffReadOnly) && form->CheckDataModification(true, false, false));
+  button->setAccessibleName(QStringLiteral("Календар"));
+  QObject::connect(button, &QAbstractButton::clicked, edit, [edit] {
+    if (TField* current = edit->field()) {
+      showDateSelector(edit, current);
+    }
+  });
+}
+
+// A label that runs into its control loses characters at its end; the hint keeps the whole caption.
+void shortenLabel(QLabel* label, const QWidget* control)
+{
+  if (label->parentWidget() != control->parentWidget() || (label->parentWidget() && label->parentWidget()->layout())) {
+    return;
+  }
+  const int gap = control->x() - label->x();
+  const int width = label->sizeHint().width();
+  if (gap >= width || gap < 0 || std::abs(label->y() - control->y()) >= label->height()) {
+    return;
+  }
+  QString caption = label->text();
+  label->setToolTip(caption);
+  const QFontMetrics metrics = label->fontMetrics();
+  const QString dots = QStringLiteral("...");
+  while (caption.size() > shortestCaption && metrics.horizontalAdvance(caption + dots) > gap) {
+    caption.chop(1);
+  }
+  label->setText(caption + dots);
+}
+
+}  // namespace
+
+void ControlWiring::run()
+{
+  for (QWidget* widget : form_->findChildren<QWidget*>()) {
+    if (auto* grid = qobject_cast<TDBGrid*>(widget)) {
+      wireGrid(grid);
+    } else if (auto* label = qobject_cast<QLabel*>(widget)) {
+      wireLabel(label);
+    } else if (DataControl* control = DataControl::of(widget); control && control->field()) {
+      wireControl(widget, *control);
+    }
+  }
+}
+
+QStringList ControlWiring::optionsOf(const TField* field) const
+{
+  return FieldDescription(form_->fieldDescriptionRow(field)).options();
+}
+
+void ControlWiring::wireControl(QWidget* widget, DataControl& control)
+{
+  TField* field = control.field();
+  if (auto* combo = qobject_cast<DataComboBox*>(widget)) {
+    if (hasFlag(field, ffOption)) {
+      combo->setItems(optionsOf(field));
+    }
+  } else if (auto* box = qobject_cast<TDBCheckBox*>(widget)) {
+    box->setValueChecked(QStringLiteral("1"));
+    box->setValueUnchecked(QStringLiteral("0"));
+  } else if (isPopUpDate(field) && (qobject_cast<TDBFlatEdit*>(widget) || qobject_cast<TDBDateEdit*>(widget))) {
+    addDateButton(form_, static_cast<DataEdit*>(widget), field);
+  }
+}
+
+// --- Grids -----------------------------------------------------------------------------------------------------
+
+void ControlWiring::wireGrid(TDBGrid* grid)
+{
+  grid->setTitleButtons(true);
+  if (const QColor color = sessionReadOnlyColor(); color.isValid()) {
+    grid->setTitleColor(color);
+  }
+  grid->setContextMenuPolicy(Qt::CustomContextMenu);
+  TfBase* form = form_;
+  QObject::connect(grid, &QWidget::customContextMenuRequested, form, [form, grid](const QPoint& at) {
+    if (!form->gridMenu()->isEmpty()) {
+      form->gridMenu()->popup(grid->viewport()->mapToGlobal(at));
+    }
+  });
+  QObject::connect(grid, &TDBGrid::columnLayoutChanged, form, [form, grid] { form->DoSaveGridView(grid); });
+  QObject::connect(grid, &TDBGrid::titleClicked, form, [form, grid](TField* field) { form->titleClicked(grid, field); });
+  QObject::connect(grid, &TDBGrid::columnEntered, form, [form, grid](TField* field) { form->DBG_ColEnter(grid, field); });
+  QObject::connect(grid, &TDBGrid::characterTyped, form, [form](const QString& text) { form->FindDialogExecute(text); });
+  QObject::connect(grid, &QAbstractItemView::doubleClicked, form, [form, grid] { form->gridDoubleClicked(grid); });
+  QObject::connect(grid, &TDBGrid::selectorRequested, form, [grid](TField* field) {
+    if (isPopUpDate(field)) {
+      showDateSelector(grid->cellEditor() ? grid->cellEditor() : grid, field);
+    }
+  });
+  grid->keyHandler = [form, grid](QKeyEvent* event) {
+    bool used = false;
+    form->runGuarded(QStringLiteral("TfBase.DBGridKeyDown"), [&] {
+      used = handleGridKey(*grid, *event, {form->inSelectionMode(), form->CheckState()});
+    });
+    return used;
+  };
+  wireGridColumns(grid);
+  form->DoLoadGridView(grid);
+}
+
+void ControlWiring::wireGridColumns(TDBGrid* grid)
+{
+  if (!grid->dataSet() || !grid->dataSet()->Active()) {
+    return;
+  }
+  for (TField* field : grid->dataSet()->Fields()) {
+    CellEditor editor;
+    if (hasFlag(field, ffOption)) {
+      editor.kind = CellEditorKind::DropDown;
+      editor.name = QStringLiteral("DBGrcmbBox_") + CreateUniqueID();
+      editor.items = optionsOf(field);
+    } else if (hasFlag(field, ffYesNo)) {
+      editor.kind = CellEditorKind::CheckBox;
+    } else if (isPopUpDate(field)) {
+      editor.kind = CellEditorKind::Date;
+    } else {
+      continue;
+    }
+    grid->setColumnEditor(field->FieldName(), editor);
+  }
+}
+
+// --- Labels ----------------------------------------------------------------------------------------------------
+
+void ControlWiring::wireLabel(QLabel* label)
+{
+  QWidget* buddy = label->buddy();
+  const DataControl* control = DataControl::of(buddy);
+  const TField* field = control ? control->field() : nullptr;
+  if (!field) {
+    if (!control && label->property("tag").toInt() == movedLabelTag) {
+      label->move(movedLabelLeft, label->y());
+    }
+    return;
+  }
+  label->setText(field->Required ? field->DisplayLabel + QStringLiteral(" *") : field->DisplayLabel);
+  label->setToolTip(label->text());
+  buddy->setToolTip(label->text());
+  buddy->setAccessibleName(field->DisplayLabel);
+  shortenLabel(label, buddy);
+}
+
+// --- Read-only presentation --------------------------------------------------------------------------------------
+
+void setControlsReadOnly(TfBase* form, bool noEdit)
+{
+  const QColor color = sessionReadOnlyColor();
+  for (QWidget* widget : form->findChildren<QWidget*>()) {
+    if (auto* grid = qobject_cast<TDBGrid*>(widget)) {
+      grid->setReadOnly(noEdit);
+    } else if (DataControl* control = DataControl::of(widget); control && control->field()) {
+      control->setReadOnly(noEdit || hasFlag(control->field(), ffReadOnly));
+      control->setReadOnlyColor(color);
+    }
+  }
+}
+
+}  // namespace kalvor

@@ -1,0 +1,71 @@
+#include "widgets/grid_footer.h"
+
+#include <QHeaderView>
+#include <QPainter>
+
+#include "widgets/db_grid_ex.h"
+#include "widgets/theme.h"
+
+namespace kalvor {
+
+TGridFooter::TGridFooter(TDBGridEx* grid) : QWidget(grid), grid_(grid) {}
+
+void TGridFooter::setText(const QString& fieldName, const QString& text)
+{
+  if (text == this->text(fieldName)) {
+    return;
+  }
+  if (text.isEmpty()) {
+    texts_.remove(fieldName.toLower());
+  } else {
+    texts_.insert(fieldName.toLower(), text);
+  }
+  update();
+}
+
+void TGridFooter::clear()
+{
+  texts_.clear();
+  update();
+}
+
+int TGridFooter::textWidth(const QString& text) const
+{
+  QFont bold = font();
+  bold.setBold(true);
+  return QFontMetrics(bold).horizontalAdvance(text) + 2 * spacing::cellPadding + spacing::tight;
+}
+
+QSize TGridFooter::sizeHint() const
+{
+  return QSize(0, textLineHeight(fontMetrics()) + 2);
+}
+
+void TGridFooter::paintEvent(QPaintEvent*)
+{
+  QPainter painter(this);
+  painter.fillRect(rect(), theme().title);
+  painter.setPen(theme().line);
+  painter.drawLine(rect().topLeft(), rect().topRight());
+  QFont bold = font();
+  bold.setBold(true);
+  painter.setFont(bold);
+  const QFontMetrics metrics(bold);
+  const QHeaderView* header = grid_->horizontalHeader();
+  const int left = grid_->viewport()->x() - x();
+  painter.setClipRect(QRect(left, 0, grid_->viewport()->width(), height()));
+  for (int column = 0; column < header->count(); ++column) {
+    const TField* field = grid_->datasetModel()->fieldAt(column);
+    const QString shown = field ? text(field->FieldName()) : QString();
+    if (shown.isEmpty() || header->isSectionHidden(column)) {
+      continue;
+    }
+    const QRect cell(left + header->sectionViewportPosition(column), 0, header->sectionSize(column), height());
+    const QRect inside = cell.adjusted(spacing::cellPadding, 1, -spacing::cellPadding - 1, 0);
+    painter.setPen(shown.startsWith(u'-') ? theme().negative : palette().color(QPalette::WindowText));
+    painter.drawText(inside, int(grid_->columnAlignment(column) | Qt::AlignVCenter),
+                     metrics.elidedText(shown, Qt::ElideRight, inside.width()));
+  }
+}
+
+}  // namespace kalvor
