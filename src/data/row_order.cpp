@@ -1,10 +1,14 @@
 #include "data/row_order.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
-#include <numeric>
+#include <cstring>
+#include <limits>
+#include <utility>
 
 #include "data/collation.h"
+#include "data/data_error.h"
 
 namespace kalvor {
 
@@ -82,17 +86,33 @@ class DistinctTexts {
 std::vector<quint64> ranksOf(const Column& column, const std::vector<RowId>& texts)
 {
   struct Entry {
-    quint64 prefix;
+    quint64 prefix;  // the first weights, and the ones that follow, as numbers
+    quint64 further;
+    quint32 start;   // of all weights
+    quint32 length;
     quint32 number;
   };
+  std::vector<quint8> weights;
   std::vector<Entry> entries;
   entries.reserve(texts.size());
-  for (quint32 i = 0; i < texts.size(); ++i)
-    entries.push_back({collationPrefix(column.textAt(texts[i])), i});
+  for (quint32 i = 0; i < texts.size(); ++i) {
+    const size_t start = weights.size();
+    const QStringView text = column.textAt(texts[i]);
+    if (size_t(text.size()) * largestWeight > std::numeric_limits<quint32>::max() - start)
+      throw DataError(QStringLiteral("Твърде много текст за подреждане!"));
+    appendWeights(text, weights);
+    const size_t length = weights.size() - start;
+    const size_t rest = length > 8 ? length - 8 : 0;
+    entries.push_back({weightPrefix(weights.data() + start, length), weightPrefix(weights.data() + start + 8, rest),
+                       quint32(start), quint32(length), i});
+  }
   const auto compare = [&](const Entry& a, const Entry& b) {
     if (a.prefix != b.prefix)
       return a.prefix < b.prefix ? -1 : 1;
-    return compareText(column.textAt(texts[a.number]), column.textAt(texts[b.number]));
+    if (a.further != b.further)
+      return a.further < b.further ? -1 : 1;
+    const int result = std::memcmp(weights.data() + a.start, weights.data() + b.start, std::min(a.length, b.length));
+    return result != 0 ? result : order(a.length, b.length);
   };
   std::ranges::sort(entries, [&](const Entry& a, const Entry& b) { return compare(a, b) < 0; });
   std::vector<quint64> ranks(texts.size());
@@ -103,6 +123,33 @@ std::vector<quint64> ranksOf(const Column& column, const std::vector<RowId>& tex
     ranks[entries[i].number] = rank;
   }
   return ranks;
+}
+
+struct KeyedPlace {
+  quint64 key;
+  quint32 place;
+};
+
+// Least significant byte first, so that equal keys stay in their order; bytes that all keys share are skipped.
+void radixSort(std::vector<KeyedPlace>& entries)
+{
+  constexpr size_t bytes = sizeof(quint64);
+  std::array<std::array<quint32, 256>, bytes> counts{};
+  for (const KeyedPlace& entry : entries)
+    for (size_t byte = 0; byte < bytes; ++byte)
+      ++counts[byte][entry.key >> (8 * byte) & 0xFF];
+  std::vector<KeyedPlace> other(entries.size());
+  for (size_t byte = 0; byte < bytes; ++byte) {
+    std::array<quint32, 256>& starts = counts[byte];
+    if (std::ranges::find(starts, quint32(entries.size())) != starts.end())
+      continue;
+    quint32 next = 0;
+    for (quint32& start : starts)
+      next += std::exchange(start, next);
+    for (const KeyedPlace& entry : entries)
+      other[starts[entry.key >> (8 * byte) & 0xFF]++] = entry;
+    entries.swap(other);
+  }
 }
 
 std::vector<quint64> textKeys(const Column& column, const std::vector<RowId>& rows)
@@ -171,34 +218,19 @@ void RowOrder::sort(const RecordSet& records, std::vector<RowId>& rows) const
     });
     return;
   }
-  struct Entry {
-    quint64 key;
-    quint32 place;
-  };
-  std::vector<std::vector<quint64>> further;
-  std::vector<Entry> entries(rows.size());
-  for (size_t i = 0; i < fields_.size(); ++i) {
-    std::vector<quint64> keys = sortKeys(records.columns[size_t(fields_[i].column)], rows);
-    if (fields_[i].descending)
-      for (quint64& key : keys)
-        key = ~key;
-    if (i > 0)
-      further.push_back(std::move(keys));
-    else
-      for (quint32 place = 0; place < rows.size(); ++place)
-        entries[place] = {keys[place], place};
+  // From the last field to the first: every sort keeps what the ones before it did among its equals.
+  std::vector<KeyedPlace> entries(rows.size());
+  for (quint32 place = 0; place < rows.size(); ++place)
+    entries[place].place = place;
+  for (auto field = fields_.crbegin(); field != fields_.crend(); ++field) {
+    const std::vector<quint64> keys = sortKeys(records.columns[size_t(field->column)], rows);
+    for (KeyedPlace& entry : entries)
+      entry.key = field->descending ? ~keys[entry.place] : keys[entry.place];
+    radixSort(entries);
   }
-  std::ranges::sort(entries, [&](const Entry& a, const Entry& b) {
-    if (a.key != b.key)
-      return a.key < b.key;
-    for (const std::vector<quint64>& keys : further)
-      if (keys[a.place] != keys[b.place])
-        return keys[a.place] < keys[b.place];
-    return a.place < b.place;
-  });
   std::vector<RowId> sorted;
   sorted.reserve(rows.size());
-  for (const Entry& entry : entries)
+  for (const KeyedPlace& entry : entries)
     sorted.push_back(rows[entry.place]);
   rows = std::move(sorted);
 }

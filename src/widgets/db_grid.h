@@ -121,6 +121,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   virtual void columnsArranged() {}  // widths, order or visibility changed
   virtual void recordsShown() {}     // other records or other values
   void growColumn(const QString& fieldName, int needed);  // unless the user gave it a width
+  QList<int> shownColumns() const;   // model columns, left to right
   GridHeader* header() const { return header_; }
 
  private:
@@ -146,10 +147,10 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   int textWidth(int row, int column) const;  // that a cell needs
   void growColumns(int row);
   int characterPixels(int characters) const;
-  QList<int> shownColumns() const;  // model columns, left to right
   bool selectFrom(int position, int step, bool skipReadOnly);
   void followCursor();
   void followRecords();
+  void updateRow(int row);
   void showSortMark();
   bool editableNow() const;
   bool tabKey(bool forward);

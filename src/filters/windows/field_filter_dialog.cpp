@@ -57,7 +57,7 @@ QString hintFor(const TField* field)
   if (isNumericType(field->FieldDataType())) {
     return QStringLiteral("Пример: 100, 10..20, >=50, <>0, 5|7");
   }
-  return QStringLiteral("Пример: С* започва със С, *ООД завършва на ООД, А|Б едно от двете, = празно");
+  return QStringLiteral("Текстът се търси навсякъде в полето; = празно, <> непразно, А..Б от А до Б");
 }
 
 }  // namespace
