@@ -157,6 +157,16 @@ int TSelector::FillControl(SelectorControl* control)
 
 TSelector::SearchResult TSelector::Search(TField* sender, const QString& text)
 {
+  return searchFor(sender, text, !text.isEmpty(), text.isEmpty());
+}
+
+TSelector::SearchResult TSelector::FillOrChoose(TField* sender)
+{
+  return searchFor(sender, QString(), false, false);
+}
+
+TSelector::SearchResult TSelector::searchFor(TField* sender, const QString& text, bool exactFirst, bool showAlways)
+{
   SearchedControl searched(Control, sender, text);
   const QScopedValueRollback<SelectorControl*> current(Control, &searched);
   if (!startRun())
@@ -167,9 +177,9 @@ TSelector::SearchResult TSelector::Search(TField* sender, const QString& text)
   const TSelectorItem item = Items[index];
   if (const IBaseIntf* baseForm = form(); baseForm && baseForm->ifInCopyData())
     return fillItem(item, true) ? SearchResult::Filled : SearchResult::NotRun;
-  if (!text.isEmpty() && fillItem(item, true))
+  if (exactFirst && fillItem(item, true))
     return SearchResult::Filled;
-  const int result = openItem(item, sender, QString(), text.isEmpty());
+  const int result = openItem(item, sender, QString(), showAlways);
   return result == SelectorChosen ? SearchResult::Filled : SearchResult::NotChosen;
 }
 

@@ -47,6 +47,8 @@ class KALVOR_RULES TSelector {
   // What a text typed into the bound field means: the one record that equals it or else the only one that meets the
   // filter is taken silently, otherwise the user chooses among those that meet it. An empty text lets the user choose.
   SearchResult Search(TField* sender, const QString& text);
+  // For a field whose default it is: the only record that meets the filters is taken, otherwise the user chooses.
+  SearchResult FillOrChoose(TField* sender);
 
   bool CheckCondition(const FilterArray& condition, TClientDataSet* dataSet, QObject* owner) const;
   int GetIndex() const;               // the first item whose condition holds, -1 for none
@@ -66,6 +68,7 @@ class KALVOR_RULES TSelector {
   void takeControl();
   bool startRun();
   FilterArray itemFilter(const QString& text) const;
+  SearchResult searchFor(TField* sender, const QString& text, bool exactFirst, bool showAlways);
   bool fillItem(const TSelectorItem& item, bool exactMatch);
   int openItem(const TSelectorItem& item, TField* sender, const QString& filterText, bool showAlways);
   void resetField(TField* field, IBaseIntf* baseForm);

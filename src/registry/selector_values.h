@@ -7,7 +7,7 @@
 namespace kalvor {
 
 // How numbers and dates are written in a text; at first as the user writes them.
-struct TFormatSettings {
+struct KALVOR_RULES TFormatSettings {
   TFormatSettings();
 
   QChar DecimalSeparator;
