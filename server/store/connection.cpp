@@ -4,7 +4,10 @@
 
 namespace kalvor::server {
 
-StoreError::StoreError(Kind kind, const QString& message) : std::runtime_error(message.toStdString()), kind_(kind) {}
+StoreError::StoreError(Kind kind, const QString& message, Rule rule, QStringList columns)
+    : std::runtime_error(message.toStdString()), kind_(kind), rule_(rule), columns_(std::move(columns))
+{
+}
 
 namespace {
 

@@ -2,6 +2,7 @@
 // parameterised statements, transactions, nothing else. Nobody but server/store names a database library.
 #pragma once
 
+#include <QStringList>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -16,11 +17,17 @@ enum class Dialect : quint8 { Sqlite, PostgreSql };
 class KALVOR_SERVER StoreError : public std::runtime_error {
  public:
   enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt };
-  StoreError(Kind kind, const QString& message);
+  // The rule of a table that a Constraint error broke, and its columns where the database names them.
+  enum class Rule : quint8 { None, Required, Unique, Reference };
+  StoreError(Kind kind, const QString& message, Rule rule = Rule::None, QStringList columns = {});
   Kind kind() const { return kind_; }
+  Rule rule() const { return rule_; }
+  const QStringList& columns() const { return columns_; }
 
  private:
   Kind kind_;
+  Rule rule_;
+  QStringList columns_;
 };
 
 // Parameters are written ? and bound in order. Columns declared AMOUNT hold whole millionths: a double in a

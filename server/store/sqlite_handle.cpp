@@ -27,6 +27,27 @@ StoreError::Kind storeErrorKind(int code)
   }
 }
 
+StoreError::Rule brokenRule(int code)
+{
+  switch (code) {
+    case SQLITE_CONSTRAINT_NOTNULL: return StoreError::Rule::Required;
+    case SQLITE_CONSTRAINT_UNIQUE:
+    case SQLITE_CONSTRAINT_PRIMARYKEY: return StoreError::Rule::Unique;
+    case SQLITE_CONSTRAINT_FOREIGNKEY: return StoreError::Rule::Reference;
+    default: return StoreError::Rule::None;
+  }
+}
+
+// "UNIQUE constraint failed: T.A, T.B": A and B.
+QStringList namedColumns(const QString& message)
+{
+  QStringList columns;
+  for (const QString& name : message.section(QStringLiteral("failed: "), 1).split(QStringLiteral(", "), Qt::SkipEmptyParts)) {
+    columns.append(name.section(u'.', -1).trimmed());
+  }
+  return columns;
+}
+
 // A shared database in memory is kept by the in-memory file system, whose locks are those of a file.
 QByteArray sqliteName(const QString& fileName)
 {
@@ -165,8 +186,10 @@ void SqliteHandle::giveBack(const QByteArray& sql, sqlite3_stmt* statement)
 
 void SqliteHandle::fail(int code, const QByteArray& sql) const
 {
-  throw StoreError(storeErrorKind(code), QStringLiteral("%1 (%2) in: %3")
-      .arg(QString::fromUtf8(sqlite3_errmsg(database_))).arg(code).arg(QString::fromUtf8(sql.left(2000))));
+  const QString message = QString::fromUtf8(sqlite3_errmsg(database_));
+  throw StoreError(storeErrorKind(code),
+                   QStringLiteral("%1 (%2) in: %3").arg(message).arg(code).arg(QString::fromUtf8(sql.left(2000))),
+                   brokenRule(code), namedColumns(message));
 }
 
 void registerTextRules(sqlite3* database)

@@ -21,10 +21,10 @@ qsizetype appendImage(RecordSet& images, const RecordSet& source, qsizetype row)
 
 }  // namespace
 
-void ChangeLog::reset(const QList<FieldDef>& fields)
+void ChangeLog::reset(QList<FieldDef> fields)
 {
   *this = ChangeLog();
-  images_ = RecordSet(fields);
+  images_ = RecordSet(std::move(fields));
 }
 
 void ChangeLog::addColumn(const FieldDef& field)

@@ -28,7 +28,7 @@ class ChangeLog {
     qsizetype image;   // row of images() with the values before the step; -1 when they did not change
   };
 
-  void reset(const QList<FieldDef>& fields);
+  void reset(QList<FieldDef> fields);
   void addColumn(const FieldDef& field);
   bool isEmpty() const { return steps_.empty(); }
   int changeCount() const { return changeCount_; }

@@ -5,19 +5,15 @@
 #include <limits>
 #include <vector>
 
+#include "data/aggregate.h"
 #include "data/change_log.h"
 #include "data/client_dataset.h"
+#include "data/filter_program.h"
+#include "data/record_ref.h"
+#include "data/row_order.h"
+#include "data/xml_packet.h"
 
 namespace kalvor {
-
-// A record somewhere: in the storage, in the buffer of the record being edited, in the key buffer.
-struct RecordRef {
-  const RecordSet* records = nullptr;
-  qsizetype row = 0;
-
-  explicit operator bool() const { return records != nullptr; }
-  bool operator==(const RecordRef&) const = default;
-};
 
 enum class PendingRecord : quint8 { None, Edit, Insert };
 
@@ -32,7 +28,9 @@ struct TClientDataSet::Private {
   Variant continuation;
   bool allFetched = true;
   bool hasProvider() const { return broker && !q->ProviderName.isEmpty(); }
-  void activate(RecordSet records);
+  void activate(RecordSet records, const PacketFile* changes = nullptr);
+  PacketFile packetFile() const;
+  void restoreChanges(const PacketFile& packet);
   void drop();                   // all records, changes, buffers
   bool fetchPacket(qsizetype count);
   void addPacket(const RecordSet& packet);
@@ -100,27 +98,56 @@ struct TClientDataSet::Private {
   mutable std::vector<RowId> inverse;  // position by row, built when asked for
   mutable bool inverseValid = false;
   void viewChanged();
+  std::vector<RowId> arrivals() const;   // all rows in the order of arrival
+  std::vector<RowId> acceptedRows(const std::vector<RowId>& candidates, RowId first, RowId last);
   bool accepts(RowId row);
-  void rebuildView();            // keeps the current record when it is still there, else its place
-  void prepareView();            // filter and index against the fields; DataError when they do not fit
-  void dropViewState();
+  void rebuildView();                    // keeps the current record where it still is, else its place
   void addRowsToView(RowId first, RowId last);
+  void placeCurrent(RowId row);          // after its values changed
+  qsizetype placeOf(RowId row) const;    // where the order puts it
+  void insertIntoView(qsizetype position, RowId row);
+  void removeFromView(qsizetype position);
+  qsizetype positionOf(RowId row) const;
+  void prepareView();                    // DataError when filter or order do not fit the fields
+  void dropViewState();
+  void showNewView(bool fromFirst);
+
+  // --- Cursor (dataset_cursor.cpp) ----------------------------------------------------------------------
   void setCursor(qsizetype position);
   void toFirst();
-  void moveTo(qsizetype position);      // with the scroll events
+  void goToRow(RowId row, qsizetype otherwise);
+  void moveTo(qsizetype position);       // with the scroll events
   Bookmark bookmarkOf(RowId row) const;
   RowId rowOf(Bookmark bookmark) const;  // noRow when that record is gone
+
+  // --- Finding (dataset_locate.cpp, dataset_keys.cpp) ---------------------------------------------------
   qsizetype findInView(const QList<TField*>& keyFields, const VariantArray& wanted, LocateOptions options,
                        qsizetype from) const;
   qsizetype findFetching(const QList<TField*>& keyFields, const VariantArray& wanted, LocateOptions options);
-  void showAfterUndo(RowId follow);
   qsizetype findKey(const QVariantList& key) const;
-  void goToRow(RowId row, qsizetype otherwise);
-  qsizetype positionOf(RowId row) const;
-  void insertIntoView(qsizetype position, RowId row);
-  void removeFromView(qsizetype position);
-  qsizetype placeInView(RowId row);     // -1 when a filter keeps it out
-  void placeCurrent(RowId row);         // after its values changed
+  size_t keyFieldCount() const;          // leading index fields that the key buffer has values for
+  qsizetype lowerBoundOfKey() const;
+  qsizetype findKeyBuffer() const;
+  void showAfterUndo(RowId follow);
+
+  // --- Filter and order (dataset_filter.cpp, dataset_index.cpp) -----------------------------------------
+  QString filterText;
+  bool filtered = false;
+  FilterProgramPtr filter;               // of the view as it stands; null = everything passes
+  QString indexNames;
+  RowOrder rowOrder;
+  int groupingLevel = 0;
+  RecordSet rangeFrom;                   // one row each while a range is set
+  RecordSet rangeTo;
+  size_t rangeFromCount = 0;
+  size_t rangeToCount = 0;
+  FilterField columnOf(const QString& fieldName) const;  // DataError when there is none
+  FilterProgramPtr compileFilterText(const QString& text) const;
+  bool passesFilterEvent(RowId row);
+  bool inRange(RowId row) const;
+  bool hasRowTests() const { return rangeFromCount + rangeToCount > 0 || (filtered && q->OnFilterRecord); }
+  RowOrder orderOf(const QString& names) const;
+  RecordSet rangeBound(const VariantArray& values) const;
 
   // --- Calculated fields (dataset_calculated.cpp) -------------------------------------------------------
   RecordSet calculated;          // one row: the calculated fields of one record
@@ -138,9 +165,11 @@ struct TClientDataSet::Private {
   void addCalculatedColumn(TField* field);
 
   // --- Aggregates (dataset_aggregates.cpp) --------------------------------------------------------------
-  void leavesAggregates(RowId row);
+  QHash<QString, std::shared_ptr<Aggregate>> aggregates;  // by expression
+  void leavesAggregates(RowId row);      // before its values change or it leaves the view
   void entersAggregates(RowId row);
   void invalidateAggregates();
+  Variant aggregateValue(const QString& expression);
 
   // --- Notifications (dataset_events.cpp) ---------------------------------------------------------------
   std::vector<DataLink*> links;

@@ -131,6 +131,8 @@ TField* TClientDataSet::AddAggregateField(const QString& name, const QString& ex
   FieldDef definition;
   definition.name = name;
   definition.type = DataType::Float;
+  if (Active())  // an expression that cannot be computed is told now and not while something paints
+    Aggregate(expression, [this](const QString& fieldName) { return d->columnOf(fieldName); });
   TField* field = d->addField(definition, FieldValueKind::Aggregate);
   field->Expression = expression;
   d->notify(DataEvent::LayoutChange);

@@ -13,7 +13,7 @@ VariantArray wantedValues(const Variant& values, qsizetype count)
   const bool array = values.typeId() == QMetaType::QVariantList;
   const VariantArray wanted = array ? values.toList() : VariantArray{values};
   if (wanted.size() != count)
-    throw DataError(QStringLiteral("Броят на стойностите не отговаря на броя на полетата за търсене!"));
+    throw DataError(dataMessage(errKeyValues));
   return wanted;
 }
 

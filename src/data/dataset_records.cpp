@@ -275,7 +275,8 @@ void TClientDataSet::Private::postEdit()
 void TClientDataSet::Private::postInsert()
 {
   const qsizetype position = cursor;
-  const RowId next = position + 1 < qsizetype(view.size()) ? view[size_t(position) + 1] : noRow;
+  const bool between = rowOrder.isEmpty() && position + 1 < qsizetype(view.size());
+  const RowId next = between ? view[size_t(position) + 1] : noRow;
   const RowId row = appendToStore(buffer, 0);
   if (q->LogChanges)
     log.inserted(row, states);

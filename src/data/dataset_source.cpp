@@ -61,7 +61,7 @@ void TClientDataSet::Open()
 }
 
 // Nothing of the dataset changes before everything that can fail has succeeded.
-void TClientDataSet::Private::activate(RecordSet records)
+void TClientDataSet::Private::activate(RecordSet records, const PacketFile* changes)
 {
   auto undo = qScopeGuard([this] {
     drop();
@@ -83,6 +83,8 @@ void TClientDataSet::Private::activate(RecordSet records)
       addCalculatedColumn(field.get());
   }
   allFetched = kalvor::isNull(continuation);
+  if (changes)
+    restoreChanges(*changes);
   ++epoch;
   prepareView();
   rebuildView();

@@ -58,13 +58,23 @@ Variant TField::valueOf(const RecordSet& records, qsizetype row) const
   return column_ < 0 ? Variant() : cellValue(records.columns[size_t(column_)], type_, row);
 }
 
+// Controls show it again and again: what cannot be computed has no value.
+Variant TField::aggregate() const
+{
+  try {
+    return dataSet_->AggregateValue(Expression);
+  } catch (const DataError&) {
+    return {};
+  }
+}
+
 Variant TField::Value() const
 {
   TClientDataSet::Private* d = dataSet_->d.get();
   if (d->validating == this)
     return d->validatingValue;
   if (kind_ == FieldValueKind::Aggregate)
-    return dataSet_->AggregatesActive && dataSet_->Active() ? dataSet_->AggregateValue(Expression) : Variant();
+    return dataSet_->AggregatesActive ? aggregate() : Variant();
   const RecordRef record = d->currentRecord();
   if (!record)
     return {};

@@ -85,6 +85,7 @@ class KALVOR_DATA TField {
  private:
   friend class TClientDataSet;
   Variant valueOf(const RecordSet& records, qsizetype row) const;
+  Variant aggregate() const;
   QString textFor(bool displayed) const;
 
   TClientDataSet* dataSet_;

@@ -222,9 +222,9 @@ qint64 storedTime(QTime time)
   return time.msecsSinceStartOfDay();
 }
 
-qint64 storedDateTime(const QDateTime& when)
+qint64 storedDateTime(DayAndTime when)
 {
-  return (when.date().toJulianDay() - julianDayOfEpoch) * millisecondsOfDay + when.time().msecsSinceStartOfDay();
+  return (when.date.toJulianDay() - julianDayOfEpoch) * millisecondsOfDay + when.time.msecsSinceStartOfDay();
 }
 
 QDate dateFromStored(qint64 value)
@@ -237,7 +237,7 @@ QTime timeFromStored(qint64 value)
   return QTime::fromMSecsSinceStartOfDay(int(qBound<qint64>(0, value, millisecondsOfDay - 1)));
 }
 
-QDateTime dateTimeFromStored(qint64 value)
+DayAndTime dayAndTime(qint64 value)
 {
   qint64 day = value / millisecondsOfDay;
   qint64 rest = value % millisecondsOfDay;
@@ -245,7 +245,13 @@ QDateTime dateTimeFromStored(qint64 value)
     --day;
     rest += millisecondsOfDay;
   }
-  return QDateTime(QDate::fromJulianDay(day + julianDayOfEpoch), QTime::fromMSecsSinceStartOfDay(int(rest)));
+  return {QDate::fromJulianDay(day + julianDayOfEpoch), QTime::fromMSecsSinceStartOfDay(int(rest))};
+}
+
+QDateTime dateTimeFromStored(qint64 value)
+{
+  const DayAndTime parts = dayAndTime(value);
+  return QDateTime(parts.date, parts.time);
 }
 
 qint64 storedInteger(DataType type, const Variant& value)
@@ -255,7 +261,10 @@ qint64 storedInteger(DataType type, const Variant& value)
     case DataType::Date: return storedDate(value.toDate());
     case DataType::Time: return storedTime(value.toTime());
     case DataType::DateTime:
-    case DataType::TimeStamp: return storedDateTime(value.toDateTime());
+    case DataType::TimeStamp: {
+      const QDateTime when = value.toDateTime();
+      return storedDateTime({when.date(), when.time()});
+    }
     default: return value.toLongLong();
   }
 }

@@ -1,6 +1,7 @@
 // One value into the type of a field, and the whole numbers that dates and times are kept as.
 #pragma once
 
+#include <QDateTime>
 #include <optional>
 
 #include "data/data_type.h"
@@ -21,11 +22,18 @@ std::optional<Variant> convertedValue(DataType type, const Variant& value, TextF
 // Text of a value as users read and type it; null is the empty text.
 QString userText(DataType type, const Variant& value);
 
+// A date-time without a zone, so without hours that a zone leaves out.
+struct DayAndTime {
+  QDate date;
+  QTime time;
+};
+
 qint64 storedDate(QDate date);
 qint64 storedTime(QTime time);
-qint64 storedDateTime(const QDateTime& when);
+qint64 storedDateTime(DayAndTime when);
 QDate dateFromStored(qint64 value);
 QTime timeFromStored(qint64 value);
+DayAndTime dayAndTime(qint64 stored);
 QDateTime dateTimeFromStored(qint64 value);
 // The stored number of a converted value of an integer-kept type.
 qint64 storedInteger(DataType type, const Variant& value);

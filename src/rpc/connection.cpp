@@ -1,6 +1,5 @@
 #include "rpc/connection.h"
 
-#include <QDeadlineTimer>
 #include <QTcpSocket>
 #include <QThread>
 #include <exception>
@@ -13,9 +12,28 @@ namespace {
 
 constexpr qsizetype readChunk = 64 * 1024;
 
+struct SocketErrorText {
+  QAbstractSocket::SocketError error;
+  QStringView text;
+};
+constexpr SocketErrorText socketErrorTexts[] = {
+    {QAbstractSocket::ConnectionRefusedError, u"на този адрес и порт не отговаря сървър"},
+    {QAbstractSocket::RemoteHostClosedError, u"сървърът затвори връзката"},
+    {QAbstractSocket::HostNotFoundError, u"няма такъв адрес"},
+    {QAbstractSocket::SocketTimeoutError, u"сървърът не отговори навреме"},
+    {QAbstractSocket::NetworkError, u"мрежата не е достъпна"}};
+
+QString whyOf(const QAbstractSocket& socket)
+{
+  for (const SocketErrorText& known : socketErrorTexts)
+    if (known.error == socket.error())
+      return known.text.toString();
+  return socket.errorString();
+}
+
 [[noreturn]] void connectionLost(const QString& why)
 {
-  throw RpcError(RpcError::ConnectionLost, QStringLiteral("Връзката със сървъра прекъсна. %1").arg(why));
+  throw RpcError(RpcError::ConnectionLost, QStringLiteral("Връзката със сървъра прекъсна: %1.").arg(why));
 }
 
 }  // namespace
@@ -31,7 +49,7 @@ struct ConnectionBroker::Private {
   void prepare();
   void send(const QByteArray& frame);
   Frame receive(quint64 id);
-  void readMore(QDeadlineTimer deadline);
+  void readMore();
   Frame exchange(const QString& operation, const VariantArray& arguments, const QString& requestId);
   Variant call(const QString& operation, VariantArray& arguments, const QString& requestId);
   void followTransaction(const QString& operation, bool succeeded);
@@ -92,8 +110,8 @@ void ConnectionBroker::Private::connectSocket()
   auto fresh = std::make_unique<QTcpSocket>();
   fresh->connectToHost(place->Address, place->Port);
   if (!fresh->waitForConnected(place->connectTimeoutMs))
-    throw RpcError(RpcError::Unreachable, QStringLiteral("Няма връзка със сървъра %1:%2 (%3).")
-                                              .arg(place->Address).arg(place->Port).arg(fresh->errorString()));
+    throw RpcError(RpcError::Unreachable, QStringLiteral("Няма връзка със сървъра %1:%2: %3.")
+                                              .arg(place->Address).arg(place->Port).arg(whyOf(*fresh)));
   fresh->setSocketOption(QAbstractSocket::LowDelayOption, 1);
   fresh->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
   socket = std::move(fresh);
@@ -118,7 +136,7 @@ void ConnectionBroker::Private::prepare()
     return;
   if (inTransaction) {
     drop();
-    connectionLost(QStringLiteral("Започнатата транзакция е отменена."));
+    connectionLost(QStringLiteral("започнатата транзакция е отменена"));
   }
   connectSocket();
   resume();
@@ -126,22 +144,22 @@ void ConnectionBroker::Private::prepare()
 
 void ConnectionBroker::Private::send(const QByteArray& frame)
 {
-  const QDeadlineTimer deadline(place->answerTimeoutMs);
   bool sent = socket->write(frame) == frame.size();
   while (sent && socket->bytesToWrite() > 0)
-    sent = socket->waitForBytesWritten(int(deadline.remainingTime()));
+    sent = socket->waitForBytesWritten(place->answerTimeoutMs);
   if (sent)
     return;
-  const QString why = socket->errorString();
+  const QString why = whyOf(*socket);
   drop();
   connectionLost(why);
 }
 
-void ConnectionBroker::Private::readMore(QDeadlineTimer deadline)
+// The time-out is for the next bytes, not for all of a long answer.
+void ConnectionBroker::Private::readMore()
 {
-  if (socket->bytesAvailable() == 0 && !socket->waitForReadyRead(int(deadline.remainingTime()))) {
-    const bool late = open() && deadline.hasExpired();
-    const QString why = socket->errorString();
+  if (socket->bytesAvailable() == 0 && !socket->waitForReadyRead(place->answerTimeoutMs)) {
+    const bool late = open() && socket->error() == QAbstractSocket::SocketTimeoutError;
+    const QString why = whyOf(*socket);
     drop();
     if (late)
       throw RpcError(RpcError::Timeout, QStringLiteral("Сървърът не отговори навреме."));
@@ -154,7 +172,6 @@ void ConnectionBroker::Private::readMore(QDeadlineTimer deadline)
 
 Frame ConnectionBroker::Private::receive(quint64 id)
 {
-  const QDeadlineTimer deadline(place->answerTimeoutMs);
   while (true) {
     if (const auto item = reader.next()) {
       auto frame = decodeFrame(*item, FrameLimits::ofClient());
@@ -167,7 +184,7 @@ Frame ConnectionBroker::Private::receive(quint64 id)
       drop();
       throw RpcError(RpcError::BadFrame, QStringLiteral("Отговорът на сървъра не може да бъде разчетен."));
     }
-    readMore(deadline);
+    readMore();
   }
 }
 

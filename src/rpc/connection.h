@@ -18,7 +18,7 @@ class KALVOR_RPC SocketConnection {
   quint16 Port = 2030;
   QString ServerName = QStringLiteral("KalvorServer.rdmKalvor");
   int connectTimeoutMs = 5000;
-  int answerTimeoutMs = 60000;
+  int answerTimeoutMs = 60000;  // without a byte of it
 };
 
 // `ConBroker`: every remote call and every provider goes through it. Synchronous, and at home in the thread

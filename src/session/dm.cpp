@@ -1,5 +1,6 @@
 #include "session/dm.h"
 
+#include "platform/system.h"
 #include "session/error_log.h"
 #include "session/server_calls.h"
 
@@ -24,6 +25,8 @@ TDM::TDM(HostApplication& host, std::unique_ptr<RemoteCalls> broker)
   ConBroker = broker_.get();
   cdsUserSettings.setObjectName(QStringLiteral("cdsUserSettings"));
   cdsTreeView.setObjectName(QStringLiteral("cdsTreeView"));
+  if (KalvorClientINIFileName.isEmpty())
+    KalvorClientINIFileName = hostProgramName() + QStringLiteral(".ini");
   DM = this;
 }
 

@@ -8,17 +8,24 @@
 #include "widgets/theme.h"
 
 namespace kalvor {
+namespace {
+
+constexpr int textInset = 2;  // beside what the toolkit leaves
+
+}  // namespace
 
 DataEdit::DataEdit(QWidget* parent) : QLineEdit(parent), DataControl(this), validator_(new FieldValidator(this))
 {
   setValidator(validator_);
+  setTextMargins(textInset, 0, textInset, 0);
   QLineEdit::setReadOnly(true);
   connect(this, &QLineEdit::textEdited, this, &DataEdit::textTyped);
 }
 
 void DataEdit::setButtonRoom(int pixels)
 {
-  setTextMargins(textMargins().left(), 0, pixels, 0);
+  setTextMargins(textMargins().left(), 0, qMax(pixels, textMargins().left()), 0);
+  buttonRoom_ = pixels;
 }
 
 void DataEdit::textTyped()
@@ -123,7 +130,6 @@ void DataEdit::focusOutEvent(QFocusEvent* event)
 TDBFlatEdit::TDBFlatEdit(QWidget* parent) : DataEdit(parent)
 {
   setFrame(false);
-  setTextMargins(spacing::tight / 2, 0, 0, 0);
 }
 
 void TDBFlatEdit::paintEvent(QPaintEvent* event)

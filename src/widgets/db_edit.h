@@ -23,7 +23,7 @@ class KALVOR_WIDGETS DataEdit : public QLineEdit, public DataControl {
   bool readOnly() const { return DataControl::readOnly(); }
   // Keeps text out of the right edge, where a button stands. 0 gives it back.
   void setButtonRoom(int pixels);
-  int buttonRoom() const { return textMargins().right(); }
+  int buttonRoom() const { return buttonRoom_; }
 
  protected:
   void showField() override;
@@ -38,6 +38,7 @@ class KALVOR_WIDGETS DataEdit : public QLineEdit, public DataControl {
   void textTyped();
 
   FieldValidator* validator_;
+  int buttonRoom_ = 0;
 };
 
 class KALVOR_WIDGETS TDBEdit : public DataEdit {

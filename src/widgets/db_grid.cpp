@@ -25,6 +25,7 @@ TDBGrid::TDBGrid(QWidget* parent) : QTableView(parent), model_(new DatasetModel(
   setWordWrap(false);
   setCornerButtonEnabled(false);
   setTabKeyNavigation(true);
+  header_->alignmentOf = [this](int section) { return columnAlignment(section); };
   applyMetrics();
   connectModel();
 }
@@ -171,6 +172,7 @@ void TDBGrid::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomR
 {
   // The toolkit would ask an open editor to read the value again; ours follow the field by themselves.
   if (topLeft.row() == bottomRight.row()) {
+    growColumns(topLeft.row());
     const int y = rowViewportPosition(topLeft.row());
     viewport()->update(0, y, viewport()->width(), rowHeight(topLeft.row()));
     verticalHeader()->viewport()->update(0, y, verticalHeader()->width(), rowHeight(topLeft.row()));

@@ -55,6 +55,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   int columnCharacters(const QString& fieldName) const;  // 0 for an unknown column
   void setColumnColor(const QString& fieldName, const QColor& color);
   void setColumnAlignment(const QString& fieldName, Qt::Alignment alignment);
+  Qt::Alignment columnAlignment(int modelColumn) const;
   void moveColumn(const QString& fieldName, int position);  // among all columns, hidden ones too
   void setColumnEditor(const QString& fieldName, const CellEditor& editor);
   CellEditor columnEditor(const QString& fieldName) const;
@@ -117,6 +118,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
 
   virtual void columnsArranged() {}  // widths, order or visibility changed
   virtual void recordsShown() {}     // other records or other values
+  void growColumn(const QString& fieldName, int needed);  // unless the user gave it a width
   GridHeader* header() const { return header_; }
 
  private:
@@ -139,6 +141,8 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   void arrangeColumns();
   void rememberOrder();
   int startingWidth(int column) const;
+  int textWidth(int row, int column) const;  // that a cell needs
+  void growColumns(int row);
   int characterPixels(int characters) const;
   QList<int> shownColumns() const;  // model columns, left to right
   bool selectFrom(int position, int step, bool skipReadOnly);

@@ -37,10 +37,42 @@ int TDBGrid::characterPixels(int characters) const
   return characters * fontMetrics().horizontalAdvance(u'0') + 2 * spacing::cellPadding + 1;
 }
 
+int TDBGrid::textWidth(int row, int column) const
+{
+  return fontMetrics().horizontalAdvance(cellText(model_->index(row, column))) + 2 * spacing::cellPadding +
+         spacing::tight;
+}
+
+// An amount that grows while it is typed is never cut.
+void TDBGrid::growColumns(int row)
+{
+  for (const int column : shownColumns()) {
+    if (const TField* field = model_->fieldAt(column); field && fieldAlignment(field) == Qt::AlignRight) {
+      growColumn(field->FieldName(), textWidth(row, column));
+    }
+  }
+}
+
+void TDBGrid::growColumn(const QString& fieldName, int needed)
+{
+  const int column = model_->columnOf(fieldName);
+  if (column < 0 || isColumnHidden(column) || stateOf(fieldName).width > 0 || needed <= header_->sectionSize(column)) {
+    return;
+  }
+  {
+    const QScopedValueRollback<bool> guard(arranging_, true);
+    header_->resizeSection(column, needed);
+  }
+  columnsArranged();
+}
+
 int TDBGrid::startingWidth(int column) const
 {
   const TField* field = model_->fieldAt(column);
   const int caption = header_->captionWidth(model_->headerData(column, Qt::Horizontal).toString());
+  const CellEditorKind editor = stateOf(field).editor.kind;
+  const bool button = inCellEditing_ && editor != CellEditorKind::ByType && editor != CellEditorKind::CheckBox;
+  const int buttonRoom = button ? verticalHeader()->defaultSectionSize() - spacing::tight : 0;
   if (field->DisplayWidth > 0) {
     return qMax(characterPixels(field->DisplayWidth), qMin(caption, widestStart / 2));
   }
@@ -48,11 +80,11 @@ int TDBGrid::startingWidth(int column) const
   if (records == 0) {
     return qMin(widestStart, qMax(caption, characterPixels(charactersByType(field))));
   }
-  int widest = 0;
+  int widest = isRealType(field->FieldDataType()) ? characterPixels(charactersByType(field)) : 0;
   for (int row = 0; row < records; ++row) {
-    widest = qMax(widest, fontMetrics().horizontalAdvance(cellText(model_->index(row, column))));
+    widest = qMax(widest, textWidth(row, column));
   }
-  return qBound(caption, widest + 2 * spacing::cellPadding + spacing::normal, qMax(caption, widestStart));
+  return qBound(caption, widest + buttonRoom, qMax(caption, widestStart));
 }
 
 void TDBGrid::arrangeColumns()
@@ -204,6 +236,16 @@ void TDBGrid::setColumnAlignment(const QString& fieldName, Qt::Alignment alignme
   viewport()->update();
 }
 
+Qt::Alignment TDBGrid::columnAlignment(int modelColumn) const
+{
+  const TField* field = model_->fieldAt(modelColumn);
+  const ColumnState kept = stateOf(field);
+  if (kept.alignment) {
+    return kept.alignment;
+  }
+  return kept.editor.kind == CellEditorKind::CheckBox ? Qt::AlignHCenter : fieldAlignment(field);
+}
+
 void TDBGrid::moveColumn(const QString& fieldName, int position)
 {
   if (model_->columnOf(fieldName) < 0) {
@@ -219,6 +261,11 @@ void TDBGrid::moveColumn(const QString& fieldName, int position)
 void TDBGrid::setColumnEditor(const QString& fieldName, const CellEditor& editor)
 {
   columnState(fieldName).editor = editor;
+  if (const int column = model_->columnOf(fieldName); column >= 0 && !isColumnHidden(column) &&
+      stateOf(fieldName).width == 0) {
+    const QScopedValueRollback<bool> guard(arranging_, true);
+    header_->resizeSection(column, startingWidth(column));
+  }
   viewport()->update();
 }
 

@@ -27,6 +27,7 @@ bool TDBGridEx::footerVisible() const
 void TDBGridEx::setFooterText(const QString& fieldName, const QString& text)
 {
   footer_->setText(fieldName, text);
+  growColumn(fieldName, footer_->textWidth(text));
 }
 
 void TDBGridEx::setFixedColumns(int count)

@@ -4,15 +4,16 @@
 #include <QValidator>
 
 #include "data/field.h"
+#include "layer_export.h"
 
 namespace kalvor {
 
 enum class TypedKind : quint8 { Text, Integer, Real, Date, DateTime, Time };
 
 // Text for null, and for fields whose text is not their value (option captions).
-TypedKind typedKind(const TField* field);
+KALVOR_WIDGETS TypedKind typedKind(const TField* field);
 
-class FieldValidator : public QValidator {
+class KALVOR_WIDGETS FieldValidator : public QValidator {
   Q_OBJECT
  public:
   using QValidator::QValidator;
@@ -26,6 +27,6 @@ class FieldValidator : public QValidator {
 
 // A date written short, completed with today's month and year: "5", "0503", "050324", "05032024", "5.3".
 // Any other text comes back as it is.
-QString completeDate(const QString& text, QDate today);
+KALVOR_WIDGETS QString completeDate(const QString& text, QDate today);
 
 }  // namespace kalvor

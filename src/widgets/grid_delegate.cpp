@@ -11,29 +11,13 @@
 #include "widgets/db_grid.h"
 #include "widgets/edit_button.h"
 #include "widgets/theme.h"
+#include "widgets/theme_painting.h"
 
 namespace kalvor {
 namespace {
 
-constexpr int boxSide = 14;
-
-void drawCheck(QPainter* painter, const QRect& cell, bool checked, bool enabled)
-{
-  const QRectF box(cell.center().x() - boxSide / 2 + 0.5, cell.center().y() - boxSide / 2 + 0.5, boxSide - 1,
-                   boxSide - 1);
-  painter->save();
-  painter->setRenderHint(QPainter::Antialiasing);
-  const QColor color = enabled ? theme().accent : theme().quietText;
-  painter->setPen(QPen(checked ? color : theme().line, 1));
-  painter->setBrush(checked ? QBrush(color) : QBrush(Qt::NoBrush));
-  painter->drawRoundedRect(box, 2.5, 2.5);
-  if (checked) {
-    painter->setPen(QPen(theme().accentText, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    const QPointF corner = box.topLeft();
-    painter->drawPolyline(QPolygonF{corner + QPointF(3, 6.8), corner + QPointF(5.6, 9.4), corner + QPointF(10.2, 3.8)});
-  }
-  painter->restore();
-}
+// The toolkit's edit keeps two pixels itself, and the editor stands one inside the cell.
+constexpr int inEditor = spacing::cellPadding - 3;
 
 void drawButtonMark(QPainter* painter, const QRect& rect, CellEditorKind kind, const QColor& color)
 {
@@ -103,9 +87,10 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
                            column.editor.kind != CellEditorKind::CheckBox && grid_->editableNow();
   if (column.editor.kind == CellEditorKind::CheckBox) {
     const bool checked = variantText(field->ValueAt(index.row())) == column.editor.checked;
-    drawCheck(painter, option.rect, checked, enabled && grid_->canEditField(field) && grid_->inCellEditing());
+    drawCheckBox(painter, option.rect, checked ? CheckLook::Checked : CheckLook::Unchecked,
+                 enabled && grid_->canEditField(field) && grid_->inCellEditing(), false);
   } else {
-    const Qt::Alignment alignment = column.alignment ? column.alignment : fieldAlignment(field);
+    const Qt::Alignment alignment = grid_->columnAlignment(index.column());
     QRect textRect = option.rect.adjusted(spacing::cellPadding, 0, -spacing::cellPadding - 1, 0);
     if (buttonShown) {
       textRect.setRight(textRect.right() - option.rect.height() + spacing::tight);
@@ -146,6 +131,7 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
     const bool date = wanted.kind == CellEditorKind::Date || type == DataType::Date;
     DataEdit* edit = date ? static_cast<DataEdit*>(new TDBDateEdit(parent)) : new TDBEdit(parent);
     edit->setFrame(false);
+    edit->setTextMargins(inEditor, 0, inEditor, 0);
     if (wanted.kind == CellEditorKind::Selector || wanted.kind == CellEditorKind::Date) {
       auto* button = new EditButton(edit);
       TDBGrid* grid = grid_;

@@ -29,6 +29,13 @@ void TGridFooter::clear()
   update();
 }
 
+int TGridFooter::textWidth(const QString& text) const
+{
+  QFont bold = font();
+  bold.setBold(true);
+  return QFontMetrics(bold).horizontalAdvance(text) + 2 * spacing::cellPadding + spacing::tight;
+}
+
 QSize TGridFooter::sizeHint() const
 {
   return QSize(0, textLineHeight(fontMetrics()) + 2);
@@ -56,7 +63,7 @@ void TGridFooter::paintEvent(QPaintEvent*)
     const QRect cell(left + header->sectionViewportPosition(column), 0, header->sectionSize(column), height());
     const QRect inside = cell.adjusted(spacing::cellPadding, 1, -spacing::cellPadding - 1, 0);
     painter.setPen(shown.startsWith(u'-') ? theme().negative : palette().color(QPalette::WindowText));
-    painter.drawText(inside, int(fieldAlignment(field) | Qt::AlignVCenter),
+    painter.drawText(inside, int(grid_->columnAlignment(column) | Qt::AlignVCenter),
                      metrics.elidedText(shown, Qt::ElideRight, inside.width()));
   }
 }

@@ -19,6 +19,7 @@ class KALVOR_WIDGETS TGridFooter : public QWidget {
   void setText(const QString& fieldName, const QString& text);  // empty = none
   QString text(const QString& fieldName) const { return texts_.value(fieldName.toLower()); }
   void clear();
+  int textWidth(const QString& text) const;  // that a cell needs
   QSize sizeHint() const override;
 
  protected:

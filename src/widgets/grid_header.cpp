@@ -5,27 +5,18 @@
 
 #include "widgets/dataset_model.h"
 #include "widgets/theme.h"
+#include "widgets/theme_painting.h"
 
 namespace kalvor {
 namespace {
 
 constexpr int sortMarkRoom = 14;
 
-void drawTriangle(QPainter* painter, const QPolygonF& shape, const QColor& color)
-{
-  painter->save();
-  painter->setRenderHint(QPainter::Antialiasing);
-  painter->setPen(Qt::NoPen);
-  painter->setBrush(color);
-  painter->drawPolygon(shape);
-  painter->restore();
-}
-
 void drawSortMark(QPainter* painter, const QRect& rect, Qt::SortOrder order)
 {
   const QPointF middle(rect.right() - spacing::cellPadding - 3, rect.center().y() + 0.5);
   const qreal up = order == Qt::AscendingOrder ? -1 : 1;
-  drawTriangle(painter, {middle + QPointF(-4, -2.5 * up), middle + QPointF(4, -2.5 * up), middle + QPointF(0, 2.5 * up)},
+  drawPolygon(painter, {middle + QPointF(-4, -2.5 * up), middle + QPointF(4, -2.5 * up), middle + QPointF(0, 2.5 * up)},
                theme().accent);
 }
 
@@ -78,9 +69,20 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
     textRect.setRight(textRect.right() - sortMarkRoom);
   }
   const QString caption = model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
-  const int alignment = model()->headerData(section, Qt::Horizontal, Qt::TextAlignmentRole).toInt();
+  const int alignment = int((alignmentOf ? alignmentOf(section) : Qt::AlignLeft) | Qt::AlignVCenter);
   painter->setPen(palette().color(QPalette::WindowText));
   painter->drawText(textRect, alignment, fontMetrics().elidedText(caption, Qt::ElideRight, textRect.width()));
+}
+
+void GridHeader::paintEvent(QPaintEvent* event)
+{
+  QHeaderView::paintEvent(event);
+  // Behind the last column.
+  QPainter painter(viewport());
+  const QRect rest(length() - offset(), 0, qMax(0, viewport()->width() - length() + offset()), viewport()->height());
+  painter.fillRect(rest, titleColor_.isValid() ? titleColor_ : theme().title);
+  painter.setPen(theme().line);
+  painter.drawLine(rest.bottomLeft(), rest.bottomRight());
 }
 
 QSize GridHeader::sectionSizeFromContents(int section) const
@@ -137,9 +139,9 @@ void RowHeader::paintSection(QPainter* painter, const QRect& rect, int section) 
     painter->setPen(QPen(color, 2.5, Qt::SolidLine, Qt::FlatCap));
     painter->drawLine(middle + QPointF(-2.5, 2.5), middle + QPointF(4, -4));
     painter->restore();
-    drawTriangle(painter, {middle + QPointF(-4.5, 4.5), middle + QPointF(-3.6, 1.2), middle + QPointF(-1.2, 3.6)}, color);
+    drawPolygon(painter, {middle + QPointF(-4.5, 4.5), middle + QPointF(-3.6, 1.2), middle + QPointF(-1.2, 3.6)}, color);
   } else {
-    drawTriangle(painter, {middle + QPointF(-3, -4.5), middle + QPointF(3, 0), middle + QPointF(-3, 4.5)}, color);
+    drawPolygon(painter, {middle + QPointF(-3, -4.5), middle + QPointF(3, 0), middle + QPointF(-3, 4.5)}, color);
   }
 }
 

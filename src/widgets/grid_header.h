@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QHeaderView>
+#include <functional>
 
 namespace kalvor {
 
@@ -16,6 +17,8 @@ class GridHeader : public QHeaderView {
   QColor titleColor() const { return titleColor_; }
   void setSortMark(int section, Qt::SortOrder order);  // -1 = none
 
+  std::function<Qt::Alignment(int section)> alignmentOf;  // captions stand as their columns do
+
   int captionWidth(const QString& caption) const;  // with padding and room for the sort mark
 
  signals:
@@ -23,6 +26,7 @@ class GridHeader : public QHeaderView {
 
  protected:
   void paintSection(QPainter* painter, const QRect& rect, int section) const override;
+  void paintEvent(QPaintEvent* event) override;
   QSize sectionSizeFromContents(int section) const override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 

@@ -4,6 +4,7 @@
 #include <QStyleOption>
 
 #include "widgets/theme.h"
+#include "widgets/theme_painting.h"
 
 namespace kalvor {
 namespace {
@@ -46,6 +47,46 @@ void drawButtonPanel(const QStyleOption* option, QPainter* painter)
   drawRoundFrame(painter, option->rect, line, fill);
 }
 
+CheckLook checkLook(QStyle::State state)
+{
+  if (state & QStyle::State_NoChange) {
+    return CheckLook::Mixed;
+  }
+  return state & QStyle::State_On ? CheckLook::Checked : CheckLook::Unchecked;
+}
+
+QRect scrollHandle(const QStyleOptionSlider& bar, const QRect& groove)
+{
+  const bool upright = bar.orientation == Qt::Vertical;
+  const int length = upright ? groove.height() : groove.width();
+  const qint64 range = qint64(bar.maximum) - bar.minimum;
+  constexpr int shortest = 32;
+  const int handle = range <= 0 ? length
+                                : qBound(qMin(shortest, length), int(length * qint64(bar.pageStep) / (range + bar.pageStep)),
+                                         length);
+  const int start = QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, length - handle,
+                                                    bar.upsideDown);
+  return upright ? QRect(groove.x(), groove.y() + start, groove.width(), handle)
+                 : QRect(groove.x() + start, groove.y(), handle, groove.height());
+}
+
+void drawScrollBar(const QStyleOptionSlider& bar, QPainter* painter)
+{
+  painter->fillRect(bar.rect, bar.palette.color(QPalette::Base));
+  if (bar.maximum <= bar.minimum) {
+    return;
+  }
+  const QRect handle = scrollHandle(bar, bar.rect);
+  const bool held = bar.activeSubControls & QStyle::SC_ScrollBarSlider;
+  const qreal strength = (bar.state & QStyle::State_Sunken) && held ? 0.7 : held ? 0.55 : 0.35;
+  painter->save();
+  painter->setRenderHint(QPainter::Antialiasing);
+  painter->setPen(Qt::NoPen);
+  painter->setBrush(blend(theme().quietText, bar.palette.color(QPalette::Base), strength));
+  painter->drawRoundedRect(QRectF(handle).adjusted(3, 3, -3, -3), cornerRadius, cornerRadius);
+  painter->restore();
+}
+
 }  // namespace
 
 ThemeStyle::ThemeStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -62,6 +103,9 @@ int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
     case PM_SmallIconSize:
     case PM_ButtonIconSize: return 16;
     case PM_ToolBarIconSize: return 22;
+    case PM_ScrollBarExtent: return 14;
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight: return checkBoxSide;
     default: return QProxyStyle::pixelMetric(metric, option, widget);
   }
 }
@@ -100,11 +144,72 @@ void ThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opt
       }
       break;
     case PE_FrameLineEdit: drawRoundFrame(painter, option->rect, frameColor(option), Qt::NoBrush); return;
+    case PE_IndicatorCheckBox:
+      drawCheckBox(painter, option->rect, checkLook(option->state), option->state & State_Enabled,
+                   option->state & (State_HasFocus | State_MouseOver));
+      return;
+    case PE_Frame:
+      if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option); frame && frame->lineWidth > 0) {
+        painter->setPen(frameColor(option));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        return;
+      }
+      break;
+    case PE_PanelScrollAreaCorner: painter->fillRect(option->rect, option->palette.color(QPalette::Base)); return;
     case PE_PanelButtonCommand: drawButtonPanel(option, painter); return;
     case PE_FrameFocusRect: drawRoundFrame(painter, option->rect, theme().accent, Qt::NoBrush); return;
     default: break;
   }
   QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void ThemeStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                             const QWidget* widget) const
+{
+  switch (element) {
+    case CE_HeaderEmptyArea: painter->fillRect(option->rect, theme().title); return;
+    case CE_HeaderSection:
+      painter->fillRect(option->rect, theme().title);
+      painter->setPen(theme().line);
+      painter->drawLine(option->rect.bottomLeft(), option->rect.bottomRight());
+      painter->drawLine(option->rect.topRight(), option->rect.bottomRight());
+      return;
+    default: QProxyStyle::drawControl(element, option, painter, widget);
+  }
+}
+
+QRect ThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                 const QWidget* widget) const
+{
+  const auto* bar = control == CC_ScrollBar ? qstyleoption_cast<const QStyleOptionSlider*>(option) : nullptr;
+  if (!bar) {
+    return QProxyStyle::subControlRect(control, option, part, widget);
+  }
+  const QRect handle = scrollHandle(*bar, bar->rect);
+  const bool upright = bar->orientation == Qt::Vertical;
+  QRect result = bar->rect;
+  switch (part) {
+    case SC_ScrollBarGroove: return result;
+    case SC_ScrollBarSlider: return handle;
+    case SC_ScrollBarSubPage:
+      upright ? result.setBottom(handle.top() - 1) : result.setRight(handle.left() - 1);
+      return result;
+    case SC_ScrollBarAddPage:
+      upright ? result.setTop(handle.bottom() + 1) : result.setLeft(handle.right() + 1);
+      return result;
+    default: return {};  // no arrows
+  }
+}
+
+void ThemeStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                                    const QWidget* widget) const
+{
+  if (const auto* bar = control == CC_ScrollBar ? qstyleoption_cast<const QStyleOptionSlider*>(option) : nullptr) {
+    drawScrollBar(*bar, painter);
+    return;
+  }
+  QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 
 }  // namespace kalvor

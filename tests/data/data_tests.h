@@ -10,7 +10,7 @@ namespace kalvor::test {
 inline FieldDef fieldDef(const char* name, DataType type, int size = 0, bool required = false)
 {
   FieldDef definition;
-  definition.name = QString::fromLatin1(name);
+  definition.name = QString::fromUtf8(name);
   definition.type = type;
   definition.size = size;
   definition.required = required;
@@ -72,7 +72,7 @@ class FakeBroker : public DataBroker {
 // Texts of a field over the view, joined by "|".
 inline QString column(const TClientDataSet& dataSet, const char* field)
 {
-  const TField* found = dataSet.FieldByName(QString::fromLatin1(field));
+  const TField* found = dataSet.FieldByName(QString::fromUtf8(field));
   QStringList values;
   for (qsizetype row = 0; row < dataSet.RecordCount(); ++row)
     values.append(variantText(found->ValueAt(row)));
@@ -81,7 +81,7 @@ inline QString column(const TClientDataSet& dataSet, const char* field)
 
 inline TField* field(TClientDataSet& dataSet, const char* name)
 {
-  return dataSet.FieldByName(QString::fromLatin1(name));
+  return dataSet.FieldByName(QString::fromUtf8(name));
 }
 
 inline QString messageOf(const std::function<void()>& action)
@@ -93,14 +93,5 @@ inline QString messageOf(const std::function<void()>& action)
   }
   return QStringLiteral("no error");
 }
-
-// Test classes of one program announce themselves; tst_data.cpp runs them.
-QList<QObject* (*)()>& testClasses();
-
-#define KALVOR_TEST_CLASS(Class) \
-  [[maybe_unused]] static const bool announced##Class = [] { \
-    kalvor::test::testClasses().append([]() -> QObject* { return new Class; }); \
-    return true; \
-  }();
 
 }  // namespace kalvor::test

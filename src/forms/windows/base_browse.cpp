@@ -1,12 +1,13 @@
 #include "forms/windows/base_browse.h"
 
-#include <QMdiSubWindow>
+#include <QMenu>
 #include <QVBoxLayout>
 
 #include "forms/form_filters.h"
 #include "forms/form_rights.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/form_server.h"
+#include "forms/windows/grid_totals.h"
 #include "common/sql_text.h"
 #include "platform/ports.h"
 #include "registry/form_descriptions.h"
@@ -52,6 +53,7 @@ void TfBaseBrowse::buildLayout()
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->addWidget(dbgMaster_);
+  new GridTotals(dbgMaster_);
 }
 
 bool TfBaseBrowse::CheckDataModification(bool edit, bool remove, bool insert)
@@ -142,7 +144,7 @@ void TfBaseBrowse::acDeleteRecordExecute()
   dbgMaster_->clearMarks();
   try {
     const VariantArray packet{VariantArray{cdsOptions(0).ProviderName, QVariant::fromValue(cdsMaster_->GetDelta())}};
-    if (formServer().updateClientData(packet, Variant(), CreateUniqueID())) {
+    if (updateClientData(packet, Variant(), CreateUniqueID())) {
       cdsMaster_->MergeChangeLog();
     } else {
       cdsMaster_->CancelUpdates();

@@ -2,6 +2,7 @@
 
 #include "forms/form_filters.h"
 #include "forms/messages.h"
+#include "forms/record_saving.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/form_focus.h"
 #include "forms/windows/form_server.h"
@@ -63,7 +64,7 @@ void TfBaseEdit::acDeleteRecordExecute()
     return;
   }
   if (CheckState()) {
-    throw DataError(_err_SaveBeforeDelete);
+    throw FormRefusal(_err_SaveBeforeDelete);
   }
   if (!cdsMaster_->IsEmpty()) {
     deleteMasterRecord();
@@ -79,7 +80,7 @@ void TfBaseEdit::deleteMasterRecord()
   const bool deleted = runGuarded(QStringLiteral("TfBase.acDeleteRecordExecute"), [this] {
     cdsMaster_->Delete();
     const VariantArray packet = buildSavePacket({{cdsMaster_, cdsOptions(0).ProviderName, {}}});
-    if (!packet.isEmpty() && !formServer().updateClientData(packet, Variant(), CreateUniqueID())) {
+    if (!packet.isEmpty() && !updateClientData(packet, Variant(), CreateUniqueID())) {
       throw SilentAbort();
     }
     cdsMaster_->MergeChangeLog();

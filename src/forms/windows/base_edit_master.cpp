@@ -8,6 +8,7 @@
 #include "forms/windows/base_edit.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/form_focus.h"
+#include "forms/windows/grid_totals.h"
 #include "forms/windows/record_layout.h"
 #include "platform/ports.h"
 #include "widgets/db_grid_ex.h"
@@ -90,6 +91,7 @@ void TfBaseEditMasterDetail::buildLayout()
   splitter_->addWidget(dbgDetail_);
   splitter_->setStretchFactor(0, 0);
   splitter_->setStretchFactor(1, 1);
+  new GridTotals(dbgDetail_);
   const int header = pcMaster_->sizeHint().height();
   splitter_->setSizes({header, std::max(height() - header, header)});
   auto* column = new QVBoxLayout(this);
@@ -108,7 +110,7 @@ void TfBaseEditMasterDetail::CDS_AfterScroll(TClientDataSet* dataSet)
 void TfBaseEditMasterDetail::requireEditableDocument()
 {
   if (!CheckDataModification(true, false, false)) {
-    throw DataError(rightsRefusal(_err_EditNotAllowed, formId()));
+    throw FormRefusal(rightsRefusal(_err_EditNotAllowed, formId()));
   }
   if (cdsMaster_->IsEmpty() && !CheckState()) {
     throw SilentAbort();

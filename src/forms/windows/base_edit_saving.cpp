@@ -60,7 +60,7 @@ void TfBaseEdit::OnSaveBeforeGetData() {}
 
 Variant TfBaseEdit::GetOwnerData()
 {
-  return kalvor::GetOwnerData(saveDataSets(), [] { return formServer().absoluteNumberSeries(); });
+  return kalvor::GetOwnerData(saveDataSets(), [] { return absoluteNumberSeries(); });
 }
 
 QList<SaveDataSet> TfBaseEdit::saveDataSets() const
@@ -119,7 +119,7 @@ bool TfBaseEdit::sendChanges(const QList<SaveDataSet>& dataSets)
   const QString requestId = saveRequest_->idFor(packet);
   bool taken = false;
   try {
-    taken = formServer().updateClientData(packet, numbering, requestId);
+    taken = updateClientData(packet, numbering, requestId);
   } catch (const RpcError& error) {
     const bool answerLost = error.code() == RpcError::Unreachable || error.code() == RpcError::Timeout ||
                             error.code() == RpcError::ConnectionLost;

@@ -1,15 +1,17 @@
 #include "forms/windows/base_form.h"
 
-#include <QCloseEvent>
 #include <QMenu>
 
-#include "common/unique_id.h"
+#include "common/sql_text.h"
 #include "forms/windows/base_form_private.h"
-#include "forms/windows/form_server.h"
+#include "forms/field_metadata.h"
 #include "platform/ports.h"
 #include "session/error_log.h"
 
 namespace kalvor {
+
+FormRefusal::FormRefusal(const QString& message) : DataError(message) {}
+FormRefusal::~FormRefusal() = default;
 
 TfBase::Private::Private(TfBase* form)
     : actions(form, [form](const QString& context, const std::function<void()>& body) { form->runGuarded(context, body); })
@@ -26,11 +28,14 @@ TfBase::TfBase(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>(t
 
 TfBase::~TfBase()
 {
+  // The datasets are freed after this object: their events must not come back to it.
   for (const auto& entry : d->dataSets) {
-    entry->DataSet->AfterClose = nullptr;
-    entry->DataSet->BeforeClose = nullptr;
-    entry->DataSet->OnStateChange = nullptr;
-    entry->DataSet->AfterScroll = nullptr;
+    TClientDataSet* dataSet = entry->DataSet;
+    for (DataSetEvent* event : {&dataSet->AfterOpen, &dataSet->AfterClose, &dataSet->BeforeClose, &dataSet->AfterScroll,
+                                &dataSet->OnNewRecord, &dataSet->BeforeEdit, &dataSet->BeforeInsert,
+                                &dataSet->OnStateChange}) {
+      *event = nullptr;
+    }
   }
   FormDestroy();
 }
@@ -148,6 +153,17 @@ bool TfBase::inSelectionMode() const
   return bool(d->options & selectionModes());
 }
 
+Variant TfBase::GetFieldDescription(const TField* field, int column) const
+{
+  return FieldDescription(fieldDescriptionRow(field)).value(FieldColumn(column));
+}
+
+Variant TfBase::fieldDescriptionRow(const TField* field) const
+{
+  const TCDSOptions* entry = GetCdsOptsByFld(field);
+  return entry ? entry->FieldDescriptions.value(EncodeFieldIndexFromTag(field->Tag)) : Variant();
+}
+
 bool TfBase::canSave() const
 {
   return d->canSave;
@@ -222,6 +238,7 @@ void TfBase::FormCreate()
 
 // --- Errors --------------------------------------------------------------------------------------------------
 
+// A refusal is meant for the user alone; what comes from the server or a dataset is kept in the log as well.
 bool TfBase::runGuarded(const QString& context, const std::function<void()>& body)
 {
   try {
@@ -229,7 +246,9 @@ bool TfBase::runGuarded(const QString& context, const std::function<void()>& bod
     return true;
   } catch (const SilentAbort&) {
     // The user was told where it happened.
-  } catch (const DataError& error) {
+  } catch (const TELException& error) {
+    showError(error.message());
+  } catch (const FormRefusal& error) {
     showError(error.message());
   } catch (const std::exception& error) {
     LogError(errorText(error), context);

@@ -20,6 +20,21 @@ struct TCDSOptions;
 struct TFormRights;
 class TDBGrid;
 
+// What acCopyNew copies of one dataset. An empty field list means the fields that the metadata lets be copied.
+struct TCopyInfo {
+  TClientDataSet* DataSet = nullptr;
+  bool AllRecords = false;
+  QString FieldList;  // ";"-separated
+};
+
+
+// What the user may not do, or not now. Shown, not logged.
+class BASE_PACKAGE FormRefusal : public DataError {
+ public:
+  explicit FormRefusal(const QString& message);
+  ~FormRefusal() override;
+};
+
 class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   Q_OBJECT
  public:
@@ -51,6 +66,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   bool tableFilterShown() const;
   // Column of the field's description row; null when the field is none of the form's or has no row.
   Variant GetFieldDescription(const TField* field, int column) const;
+  Variant fieldDescriptionRow(const TField* field) const;  // the whole row
 
   // --- Opening and closing ------------------------------------------------------------------------------
   void FormCreate();                        // once, when all datasets are there; DoShowForm does it otherwise
@@ -154,7 +170,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
                  TSelectionList& selection, const TDefaultValues& defaults, const ParameterArray& parameter) override;
   virtual void InitGridColumns();
   bool ProcessSelectedRecords(const TSelectionList& selection, ShowOption options) override;
-  virtual void SetCopyInfo();
+  virtual void SetCopyInfo(QList<TCopyInfo>& list);
   void SetFormRights(int formId, bool defaultRight) override;
   void SetPblFilter(const FilterArray& publicFilter, const ParameterArray& params, bool merge) override;
   void SetSecurityFilter(const FilterArray& filter) override;
@@ -204,6 +220,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void adoptOpenedForm(QWidget* form);
   // The datasets' events; each ends with the handler that the form displaced.
   virtual void CDS_OnNewRecord(TClientDataSet* dataSet);
+  virtual void CDS_OnStateChange(TClientDataSet* dataSet);
   virtual void CDS_BeforeEdit(TClientDataSet* dataSet);
   virtual void CDS_BeforeInsert(TClientDataSet* dataSet);
   virtual void CDS_OnPostError(TClientDataSet* dataSet, const DataError& error, ErrorAction& action);
@@ -235,12 +252,9 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void refuseStateChange(DataSetState state);
   void focusField(TField* field);
   void acFieldFilterExecute();
-  void acTableFilterExecute();
   void acRemoveFilterExecute();
-  void acSortExecute();
   void acCopyNewExecute();
   void acExportExecute();
-  void acHelpExecute();
   void titleClicked(TDBGrid* grid, TField* field);
 };
 

@@ -32,16 +32,13 @@ void TfBase::bindActions()
       {"acCopyRecord", &TfBase::acCopyRecordExecute},
       {"acEditRecord", &TfBase::acEditRecordExecute},
       {"acFieldFilter", &TfBase::acFieldFilterExecute},
-      {"acTableFilter", &TfBase::acTableFilterExecute},
       {"acRemoveFilter", &TfBase::acRemoveFilterExecute},
       {"acRefresh", &TfBase::acRefreshExecute},
       {"acGetDetails", &TfBase::acGetDetailsExecute},
-      {"acSort", &TfBase::acSortExecute},
       {"acSelect", &TfBase::acSelectExecute},
       {"acCopyNew", &TfBase::acCopyNewExecute},
       {"acImport", &TfBase::ImportData},
       {"acReCalcDocument", &TfBase::DoRecalcDocument},
-      {"acHelp", &TfBase::acHelpExecute},
   };
   for (const Body& body : bodies) {
     const QString name = QLatin1String(body.action);
@@ -104,7 +101,7 @@ void TfBase::UpdateActionState()
     }
     PositionFacts position;
     position.atBeginning = !open || master->Bof() || master->RecNo() <= 1;
-    position.atEnd = !open || master->Eof();
+    position.atEnd = !open || master->Eof() || (master->AllFetched() && master->RecNo() >= master->RecordCount());
     position.canSelectAll = canSelectAll(focusWidget());
     main->SetActionStates(
         mainWindowActionLines([this](const QString& name) { return d->actions.isEnabled(name); }, position));

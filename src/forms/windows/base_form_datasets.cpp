@@ -8,6 +8,7 @@
 #include "platform/ports.h"
 #include "registry/form_descriptions.h"
 #include "session/error_log.h"
+#include "session/server_calls.h"
 
 namespace kalvor {
 
@@ -42,8 +43,8 @@ void TfBase::hookDataSet(TClientDataSet* dataSet)
   TCDSOptions* entry = options.get();
   d->dataSets.push_back(std::move(options));
   entry->DataSet = dataSet;
-  entry->ProviderName = formServer().createProvider();
-  dataSet->SetRemoteServer(formServer().broker());
+  entry->ProviderName = createDynamicProvider(sessionCalls());
+  dataSet->SetRemoteServer(&sessionCalls());
   dataSet->ProviderName = entry->ProviderName;
   dataSet->Key = QStringLiteral("Id");
   dataSet->PacketRecords =
@@ -77,7 +78,7 @@ bool TfBase::RequestDataSet(int dsIndex, const FilterArray& filter, const QStrin
   TCDSOptions& entry = cdsOptions(dsIndex);
   VariantArray descriptions;
   const ParameterArray parameters = dsIndex == 0 ? d->sqlParameters : ParameterArray();
-  if (formServer().requestData(d->formId, dsIndex, entry.ProviderName, filter, order, parameters, descriptions) != 0) {
+  if (requestData(sessionCalls(), d->formId, dsIndex, entry.ProviderName, filter, order, parameters, &descriptions) != 0) {
     return false;
   }
   entry.FieldDescriptions = descriptions;

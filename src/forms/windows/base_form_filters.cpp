@@ -75,16 +75,17 @@ void TfBase::acFieldFilterExecute()
   }
   TField* field = focusedField(this);
   if (!field) {
-    throw DataError(_err_selectField);
+    throw FormRefusal(_err_selectField);
   }
   if (!hasFlag(field, ffFilterable)) {
-    throw DataError(_err_NotFilterableField);
+    throw FormRefusal(_err_NotFilterableField);
   }
   const TCDSOptions* entry = GetCdsOptsByFld(field);
   const int row = EncodeFieldIndexFromTag(field->Tag);
   const VariantArray description = entry ? entry->FieldDescriptions.value(row).toList() : VariantArray();
+  const QString tableFilter = QStringLiteral("acTableFilter");
   TfFilterFields dialog(this, d->formId, field, description, startingCriterion(field, d->formFilter),
-                        field->DisplayLabel, action(QStringLiteral("acTableFilter")), window());
+                        field->DisplayLabel, d->actions.isBound(tableFilter) ? action(tableFilter) : nullptr, window());
   dialog.DoShowFieldFilter();
 }
 
@@ -102,6 +103,18 @@ void TfBase::acRemoveFilterExecute()
   reopenMaster();
   if (IMainFormIntf* main = mainForm()) {
     main->SetHasFilter(false);
+  }
+}
+
+void TfBase::becomeCardOf(const FilterArray& record)
+{
+  d->callerFilter = callerWithSecurityFilter(record, securityFilter());
+}
+
+void TfBase::acExportExecute()
+{
+  if (!d->rights.ExportRight) {
+    throw FormRefusal(rightsRefusal(_err_ExportNotAllowed, d->formId));
   }
 }
 

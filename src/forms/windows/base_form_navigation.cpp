@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QTabWidget>
 
+#include "forms/field_metadata.h"
 #include "forms/windows/base_form_private.h"
 #include "forms/windows/form_focus.h"
 #include "registry/windows/form_host.h"

@@ -1,6 +1,7 @@
 // From DoShowForm to the shown window, and its closing.
 #include <QApplication>
 #include <QCloseEvent>
+#include <QLayout>
 #include <QMdiSubWindow>
 
 #include "forms/form_filters.h"
@@ -12,6 +13,7 @@
 #include "registry/form_descriptions.h"
 #include "registry/windows/form_host.h"
 #include "session/error_log.h"
+#include "session/server_calls.h"
 
 namespace kalvor {
 
@@ -19,6 +21,8 @@ namespace {
 
 constexpr int cascadeDown = 29;
 constexpr int cascadeRight = 22;
+constexpr int largestWidth = 1280;  // what a window opens with fits a screen of 1366 x 768
+constexpr int largestHeight = 600;
 
 ISelectorOwnerIntf* selectorOwner(QObject* owner)
 {
@@ -81,7 +85,7 @@ void TfBase::openMaster()
   if (!master) {
     return;
   }
-  if (!RequestDataSet(0, requestFilter(), d->sortOrder)) {
+  if (!RequestDataSet(0, d->openEmpty ? noRowFilter() : requestFilter(), d->sortOrder)) {
     throw TELException(_err_NoSQL_Found, QStringLiteral("TfBase.DoShowForm"));
   }
   master->Open();
@@ -146,7 +150,8 @@ void TfBase::showAsChild()
   adoptChildWindow(this);
   QWidget* window = windowOf(this);
   auto* sub = qobject_cast<QMdiSubWindow*>(window);
-  d->actions.leaveShortcutsToMainWindow(sub != nullptr);
+  d->hosted = sub != nullptr;
+  d->actions.leaveShortcutsToMainWindow(d->hosted);
   if (sub) {
     connect(sub->mdiArea(), &QMdiArea::subWindowActivated, this, [this, sub](QMdiSubWindow* active) {
       active == sub ? FormActivate() : FormDeactivate();
@@ -232,7 +237,7 @@ void TfBase::FormDestroy()
   for (const auto& entry : d->dataSets) {
     if (!entry->ProviderName.isEmpty()) {
       loggingErrors(QStringLiteral("TfBase.FormDestroy"),
-                    [&] { formServer().deleteProvider(std::exchange(entry->ProviderName, {})); });
+                    [&] { deleteDynamicProvider(sessionCalls(), std::exchange(entry->ProviderName, {})); });
     }
   }
 }

@@ -1,10 +1,8 @@
 // State of a form, for the files that make up its body.
 #pragma once
 
-#include <QHash>
 #include <QMenu>
 #include <QPointer>
-#include <QTimer>
 #include <vector>
 
 #include "forms/form_rights.h"
@@ -13,18 +11,6 @@
 #include "forms/windows/form_actions.h"
 
 namespace kalvor {
-
-class IncrementalSearch;
-
-// Tells the form what happens to its master, beside the single-slot events.
-class MasterLink : public DataLink {
- public:
-  explicit MasterLink(TfBase* form) : form_(form) {}
-  void dataEvent(DataEvent event, TField* field) override;
-
- private:
-  TfBase* form_;
-};
 
 struct TfBase::Private {
   explicit Private(TfBase* form);
@@ -54,10 +40,12 @@ struct TfBase::Private {
   int modalResult = 0;
   bool modal = false;
   FormActions actions;
-  MasterLink masterLink;
   QMenu* gridMenu = nullptr;
-  IncrementalSearch* search = nullptr;
-  QTimer actionStateTimer;                    // joins a burst of record changes into one report
+  QString caption, captionFields;             // of the form's description
+  bool openEmpty = false;                     // the default filter waits for the user's part of it
+  bool laidOut = false;
+  bool sizeFromSettings = false;
+  bool hosted = false;                        // a child window of the main window
 };
 
 }  // namespace kalvor

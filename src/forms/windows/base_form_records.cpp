@@ -44,28 +44,28 @@ QString joinedValues(const TSelectionList& selection, qsizetype position)
 void TfBase::requireReadRight()
 {
   if (!d->rights.ReadRight) {
-    throw DataError(rightsRefusal(_err_ReadNotAllowed, d->formId));
+    throw FormRefusal(rightsRefusal(_err_ReadNotAllowed, d->formId));
   }
 }
 
 void TfBase::requireEditRight()
 {
   if (!d->rights.EditRight) {
-    throw DataError(rightsRefusal(_err_EditNotAllowed, d->formId));
+    throw FormRefusal(rightsRefusal(_err_EditNotAllowed, d->formId));
   }
 }
 
 void TfBase::requireInsertRight()
 {
   if (!d->rights.InsertRight) {
-    throw DataError(rightsRefusal(_err_InsertNotAllowed, d->formId));
+    throw FormRefusal(rightsRefusal(_err_InsertNotAllowed, d->formId));
   }
 }
 
 void TfBase::requireDeleteRight()
 {
   if (!d->rights.DeleteRight) {
-    throw DataError(rightsRefusal(_err_DeleteNotAllowed, d->formId));
+    throw FormRefusal(rightsRefusal(_err_DeleteNotAllowed, d->formId));
   }
 }
 
@@ -79,7 +79,7 @@ void TfBase::refuseStateChange(DataSetState state)
     case StateChangeRefusal::CancelEdit:
     case StateChangeRefusal::CancelInsert: GetCdsMaster()->Cancel(); break;
   }
-  throw DataError(rightsRefusal(
+  throw FormRefusal(rightsRefusal(
       refusal == StateChangeRefusal::CancelInsert ? _err_InsertNotAllowed : _err_EditNotAllowed, d->formId));
 }
 
@@ -172,7 +172,7 @@ void TfBase::FieldOnChange(TField*)
 void TfBase::FieldOnValidate(TField* field)
 {
   if (isLockedField(field)) {
-    throw DataError(lockedFieldMessage(field));
+    throw FormRefusal(lockedFieldMessage(field));
   }
 }
 

@@ -25,6 +25,12 @@ constexpr int shortestCaption = 3;
 constexpr int movedLabelTag = 3;
 constexpr int movedLabelLeft = 10;
 
+// Invalid: the controls keep their own.
+QColor sessionReadOnlyColor()
+{
+  return DM && DM->ReadOnlyColor != 0 ? QColor::fromRgba(DM->ReadOnlyColor) : QColor();
+}
+
 bool isPopUpDate(const TField* field)
 {
   return hasFlag(field, ffDate) &&
@@ -86,7 +92,7 @@ void ControlWiring::run()
 
 QStringList ControlWiring::optionsOf(const TField* field) const
 {
-  return FieldDescription(form_->GetFieldDescriptionRow(field)).options();
+  return FieldDescription(form_->fieldDescriptionRow(field)).options();
 }
 
 void ControlWiring::wireControl(QWidget* widget, DataControl& control)
@@ -109,7 +115,7 @@ void ControlWiring::wireControl(QWidget* widget, DataControl& control)
 void ControlWiring::wireGrid(TDBGrid* grid)
 {
   grid->setTitleButtons(true);
-  if (const QColor color = DM ? DM->ReadOnlyColor : QColor(); color.isValid()) {
+  if (const QColor color = sessionReadOnlyColor(); color.isValid()) {
     grid->setTitleColor(color);
   }
   grid->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -186,7 +192,7 @@ void ControlWiring::wireLabel(QLabel* label)
 
 void setControlsReadOnly(TfBase* form, bool noEdit)
 {
-  const QColor color = DM ? DM->ReadOnlyColor : QColor();
+  const QColor color = sessionReadOnlyColor();
   for (QWidget* widget : form->findChildren<QWidget*>()) {
     if (auto* grid = qobject_cast<TDBGrid*>(widget)) {
       grid->setReadOnly(noEdit);

@@ -57,7 +57,7 @@ QKeySequence formActionShortcut(const QString& name)
 FormActions::FormActions(QWidget* form, Runner runner) : form_(form), runner_(std::move(runner))
 {
   for (const FormActionRow& row : formActionTable) {
-    QAction* action = add(QString(row.name), QString(row.caption), QKeySequence(QLatin1String(row.shortcut)));
+    QAction* action = add(QString::fromUtf16(row.name), QString::fromUtf16(row.caption), QKeySequence(QLatin1String(row.shortcut)));
     if (*row.icon) {
       action->setIcon(QIcon::fromTheme(QLatin1String(row.icon)));
     }
@@ -69,7 +69,7 @@ void FormActions::leaveShortcutsToMainWindow(bool leave)
 {
   for (const FormActionRow& row : formActionTable) {
     if (row.mainWindowHasIt) {
-      find(QString(row.name))->setShortcut(leave ? QKeySequence() : QKeySequence(QLatin1String(row.shortcut)));
+      find(QString::fromUtf16(row.name))->setShortcut(leave ? QKeySequence() : QKeySequence(QLatin1String(row.shortcut)));
     }
   }
 }

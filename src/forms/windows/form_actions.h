@@ -35,6 +35,7 @@ class FormActions {
   QAction* find(const QString& name) const { return actions_.value(name); }
   QAction* add(const QString& name, const QString& caption, const QKeySequence& shortcut);
   void bind(const QString& name, std::function<void()> handler, const QString& context);
+  bool isBound(const QString& name) const { return bindings_.contains(name); }
   bool isEnabled(const QString& name) const;
   void setEnabled(const QString& name, bool on);
   bool execute(const QString& name);

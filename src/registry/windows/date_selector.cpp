@@ -1,5 +1,6 @@
 #include "registry/windows/date_selector.h"
 
+#include <QApplication>
 #include <QCalendarWidget>
 #include <QKeyEvent>
 #include <QLineEdit>

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "registry/windows/form_class_store.h"
+#include "session/error_log.h"
 
 #ifdef Q_OS_LINUX
 #include <link.h>
@@ -38,7 +39,7 @@ QString moduleMismatch(QLibrary& library)
 
 void logSkippedModule(const QString& path, const QString& reason)
 {
-  WriteErrorLog(path + QStringLiteral(": ") + reason, QStringLiteral("BuildDynamicFormMenu"));
+  LogError(path + QStringLiteral(": ") + reason, QStringLiteral("BuildDynamicFormMenu"));
 }
 
 }  // namespace

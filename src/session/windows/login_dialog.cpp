@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QCompleter>
 #include <QGridLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -19,6 +20,7 @@ namespace kalvor {
 namespace {
 
 constexpr int loginListWidth = 280;  // a company's full name
+constexpr int markSize = 64;
 constexpr int loginMargin = spacing::wide + spacing::normal;
 
 QLabel* fieldLabel(const char16_t* text, QWidget* field)
@@ -97,10 +99,20 @@ void TfLogin::build()
   buttons->addWidget(btnOk);
   buttons->addWidget(btnCancel);
 
+  // The program's mark, where it has one.
+  auto* head = new QHBoxLayout;
+  head->setSpacing(loginMargin);
+  if (const QIcon mark = QApplication::windowIcon(); !mark.isNull()) {
+    auto* picture = new QLabel;
+    picture->setPixmap(mark.pixmap(QSize(markSize, markSize), devicePixelRatioF()));
+    head->addWidget(picture, 0, Qt::AlignTop);
+  }
+  head->addLayout(fields);
+
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(loginMargin, loginMargin, loginMargin, spacing::wide);
   all->setSpacing(loginMargin);
-  all->addLayout(fields);
+  all->addLayout(head);
   all->addLayout(buttons);
   all->setSizeConstraint(QLayout::SetFixedSize);
 

@@ -1,0 +1,45 @@
+// The handlers of the operation table, by the file that holds them.
+#pragma once
+
+#include "server/operations/operation.h"
+
+namespace kalvor::server {
+
+// log_in.cpp
+Variant callLogIn(CallContext& call);
+Variant callResumeSession(CallContext& call);
+Variant callChangePassword(CallContext& call);
+// log_in_lists.cpp
+Variant callGetCompaniesList(CallContext& call);
+Variant callGetBGroupsList(CallContext& call);
+Variant callGetUsersList(CallContext& call);
+// server_facts.cpp
+Variant callServerName(CallContext& call);
+Variant callGetConnectionString(CallContext& call);
+// providers.cpp
+Variant callCreateDynamicProvider(CallContext& call);
+Variant callDeleteDynamicProvider(CallContext& call);
+Variant callRequestData(CallContext& call);
+Variant callOpenProvider(CallContext& call);
+Variant callFetchRecords(CallContext& call);
+// request_value.cpp
+Variant callRequestValue(CallContext& call);
+// forms.cpp
+Variant callGetFormsDescription(CallContext& call);
+Variant callGetFieldsDescription(CallContext& call);
+Variant callGetQueryId(CallContext& call);
+Variant callGetAbsoluteNoSerieId(CallContext& call);
+// update_data.cpp
+Variant callUpdateClientData(CallContext& call);
+// user_settings.cpp
+Variant callUpdateUserSettings(CallContext& call);
+Variant callExecuteSqlScript(CallContext& call);
+// document_locks.cpp
+Variant callCheckOutDocument(CallContext& call);
+Variant callCheckInDocument(CallContext& call);
+// transactions.cpp
+Variant callTrStart(CallContext& call);
+Variant callTrCommit(CallContext& call);
+Variant callTrRollback(CallContext& call);
+
+}  // namespace kalvor::server

@@ -1,0 +1,19 @@
+// Small shapes that the style and the grid draw alike.
+#pragma once
+
+#include <QPolygonF>
+
+class QPainter;
+class QColor;
+class QRectF;
+
+namespace kalvor {
+
+enum class CheckLook : quint8 { Unchecked, Checked, Mixed };
+
+constexpr int checkBoxSide = 16;
+
+void drawCheckBox(QPainter* painter, const QRectF& around, CheckLook look, bool enabled, bool focused);
+void drawPolygon(QPainter* painter, const QPolygonF& shape, const QColor& color);
+
+}  // namespace kalvor

@@ -1,0 +1,3 @@
+#include "several_tests.h"
+
+int main(int argc, char** argv) { return kalvor::testing::runRegisteredTests(argc, argv); }

@@ -1,0 +1,162 @@
+// A server, a host program and a person at the log-in dialog who do what the test says.
+#pragma once
+
+#include <QHash>
+#include <functional>
+
+#include "session/dm.h"
+
+namespace kalvor::testing {
+
+class ScriptedCalls : public RemoteCalls {
+ public:
+  using Handler = std::function<Variant(VariantArray& arguments)>;
+
+  void Connect() override
+  {
+    log << QStringLiteral("Connect");
+    if (!connectError.isEmpty())
+      throw RpcError(RpcError::Unreachable, connectError);
+    connected = true;
+  }
+  void Disconnect() override
+  {
+    log << QStringLiteral("Disconnect");
+    connected = false;
+  }
+  bool Connected() const override { return connected; }
+  void setSession(const QString& sessionText) override { session = sessionText; }
+  using RemoteCalls::Call;
+  Variant Call(const QString& operation, VariantArray& arguments, const QString&) override
+  {
+    log << operation;
+    sent[operation].append(arguments);
+    if (!handlers.contains(operation))
+      throw RpcError(RpcError::UnknownOperation, QStringLiteral("няма ") + operation);
+    return handlers[operation](arguments);
+  }
+
+  // Answers with a result, and puts values into arguments before.
+  void answer(const QString& operation, const Variant& result, const QList<std::pair<int, Variant>>& back = {})
+  {
+    handlers[operation] = [result, back](VariantArray& arguments) {
+      for (const auto& [index, value] : back)
+        arguments[index] = value;
+      return result;
+    };
+  }
+  VariantArray sentOnce(const QString& operation) const { return sent.value(operation).value(0); }
+
+  QHash<QString, Handler> handlers;
+  QHash<QString, QList<VariantArray>> sent;
+  QStringList log;
+  QString connectError, session;
+  bool connected = false;
+};
+
+struct DialogScript {
+  bool accepted = false;
+  LoginChoice choice;
+};
+
+class ScriptedDialog : public LoginDialog {
+ public:
+  explicit ScriptedDialog(const DialogScript& script) : script_(script) {}
+  bool runModal() override { return script_.accepted; }
+  LoginChoice choice() const override { return script_.choice; }
+
+ private:
+  DialogScript script_;
+};
+
+class ScriptedHost : public HostApplication, public ISplashIntf {
+ public:
+  QStringList parameters() const override { return commandLine; }
+  void postQuit(int exitCode) override { quits << exitCode; }
+  void terminate() override { ++terminated; }
+  ISplashIntf* activeSplash() override { return hasSplash ? this : nullptr; }
+  std::unique_ptr<LoginDialog> createLoginDialog(RemoteCalls&, SocketConnection&) override
+  {
+    ++dialogsShown;
+    return std::make_unique<ScriptedDialog>(dialogs.isEmpty() ? DialogScript() : dialogs.takeFirst());
+  }
+  ServerPlace editSettings(SettingsPages pages, const ServerPlace& current) override
+  {
+    settingsShown << pages;
+    return edited.value_or(current);
+  }
+  quint32 buttonFaceColor() const override { return 0xffefefefu; }
+  QString systemSettingsFolder() const override { return systemFolder; }
+  void ShowSplash(bool show) override { splash << show; }
+
+  QStringList commandLine;
+  QList<DialogScript> dialogs;
+  QString systemFolder;
+  std::optional<ServerPlace> edited;
+  bool hasSplash = true;
+  QList<int> quits;
+  QList<bool> splash;
+  QList<SettingsPages> settingsShown;
+  int terminated = 0;
+  int dialogsShown = 0;
+};
+
+inline FieldDef textField(const QString& name)
+{
+  FieldDef field;
+  field.name = name;
+  field.type = DataType::WideMemo;
+  return field;
+}
+
+inline DataPacketPtr packetOf(const QStringList& fields, const QList<VariantArray>& rows)
+{
+  QList<FieldDef> definitions;
+  for (const QString& name : fields)
+    definitions << textField(name);
+  auto packet = std::make_shared<DataPacket>();
+  packet->records = RecordSet(definitions);
+  for (const VariantArray& row : rows)
+    packet->records.appendRow(row);
+  return packet;
+}
+
+// A session on a server that lets everybody in and has one settings row for whoever asks.
+class ScriptedSession {
+ public:
+  ScriptedSession()
+  {
+    LocalData = {};
+    AutoLoginData = {};
+    auto calls = std::make_unique<ScriptedCalls>();
+    server = calls.get();
+    server->answer(QStringLiteral("LogIn"), 0, {{4, QStringLiteral("session-1")}});
+    server->answer(QStringLiteral("servername"), QStringLiteral("Сървър"));
+    server->answer(QStringLiteral("GetConnectionString"), QStringLiteral("Catalog=1"));
+    server->answer(QStringLiteral("RequestValue"), 0);
+    server->answer(QStringLiteral("RequestData"), 0);
+    server->answer(QStringLiteral("DeleteDynamicProvider"), 0);
+    server->handlers[QStringLiteral("CreateDynamicProvider")] = [this](VariantArray& arguments) {
+      arguments[0] = QStringLiteral("P%1").arg(++providers);
+      return Variant(arguments[0]);
+    };
+    server->handlers[QStringLiteral("OpenProvider")] = [this](VariantArray&) { return Variant::fromValue(packet); };
+    packet = packetOf({QStringLiteral("Id"), QStringLiteral("Comp_id"), QStringLiteral("Settings"), QStringLiteral("UserActions")},
+                      {{QStringLiteral("AB"), QStringLiteral("5"), settings, actions}});
+    dm = std::make_unique<TDM>(host, std::move(calls));
+  }
+
+  static inline const QString settings = QStringLiteral("<Root><ExportOptions><Separator>tab</Separator></ExportOptions></Root>");
+  static inline const QString actions = QStringLiteral("<Root><UserActions><is_Cashier>1</is_Cashier></UserActions></Root>");
+
+  void load() { dm->LoadLocalData(QStringLiteral("AB"), QStringLiteral("Обект 7"), QStringLiteral("Фирма 5"),
+                                  QStringLiteral("AB"), QStringLiteral("7"), QStringLiteral("5")); }
+
+  ScriptedHost host;
+  ScriptedCalls* server;
+  DataPacketPtr packet;
+  int providers = 0;
+  std::unique_ptr<TDM> dm;
+};
+
+}  // namespace kalvor::testing
