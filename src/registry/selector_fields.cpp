@@ -3,11 +3,25 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 
+#include "filters/filter_expression.h"
 #include "forms/record_rules.h"
 #include "registry/selector_lookup.h"
 #include "registry/selector_values.h"
 
 namespace kalvor {
+
+namespace {
+
+QString withEqualityForLike(const QString& storedFilter)
+{
+  FilterArray filter = BuildFilterFromStr(storedFilter);
+  for (FilterRow& row : filter)
+    if (row.op.trimmed().compare(QLatin1String("LIKE"), Qt::CaseInsensitive) == 0)
+      row.op = QStringLiteral("=");
+  return BuildStrFilter(filter);
+}
+
+}  // namespace
 
 struct SelectorFields::Entry {
   QPointer<TClientDataSet> dataSet;
@@ -15,6 +29,7 @@ struct SelectorFields::Entry {
   TField* field = nullptr;  // found anew at each opening
   std::unique_ptr<TSelector> selector;
   bool bound = false;       // changes run the selector
+  FieldEvent added;         // called before the field's own
   FieldEvent kept;          // the field's own handler
   Variant before;           // what the field held before the change that is going on
   bool passing = false;     // its own handler runs
@@ -91,6 +106,13 @@ void SelectorFields::bindChanges(TField* field)
   hook(entry);
 }
 
+void SelectorFields::addChangeHandler(TField* field, FieldEvent handler)
+{
+  Entry& entry = needEntry(field);
+  entry.added = std::move(handler);
+  hook(entry);
+}
+
 void SelectorFields::setDependant(TField* field, TSelector* selector)
 {
   const auto same = [&](const TSelectorDependantField& entry) {
@@ -110,7 +132,7 @@ void SelectorFields::dataSetOpened(TClientDataSet* dataSet)
     if (entry->dataSet != dataSet)
       continue;
     entry->field = dataSet->FindField(entry->fieldName);
-    if (entry->field && entry->bound)
+    if (entry->field && (entry->bound || entry->added))
       hook(*entry);
     if (entry->field && entry->selector)
       selectors.push_back(entry->selector.get());
@@ -160,11 +182,12 @@ void SelectorFields::fieldChanged(TField* field)
 void SelectorFields::passOn(Entry& entry, TField* field)
 {
   entry.passed = true;
-  if (!entry.kept || entry.passing)
+  if (entry.passing)
     return;
   const QScopedValueRollback<bool> passing(entry.passing, true);
-  const FieldEvent handler = entry.kept;
-  handler(field);
+  for (const FieldEvent& handler : {entry.added, entry.kept})
+    if (handler)
+      handler(field);
 }
 
 void SelectorFields::changed(TField* field)
@@ -246,6 +269,21 @@ void SelectorFields::runForDefault(TField* field)
     const QScopedValueRollback<int> searching(searching_, searching_ + 1);
     selector->FillOrChoose(field);
   }
+}
+
+void SelectorFields::setWithLookup(TField* field, const Variant& value, const QString& description)
+{
+  const Hold hold(*this);
+  const QScopedValueRollback<int> searching(searching_, searching_ + 1);
+  field->SetValue(value);
+  const QString text = field->AsString().trimmed();
+  if (text.isEmpty())
+    return;
+  TSelector exact(owner_, field, description, field->DataSet());
+  for (TSelectorItem& item : exact.Items)
+    for (QString* filter : {&item.Filter, &item.PublicFilter})
+      *filter = withEqualityForLike(*filter);
+  exact.Search(field, text);
 }
 
 // The lookup form may have stayed open beside this one while the user moved on.

@@ -24,6 +24,8 @@ class KALVOR_RULES SelectorFields {
   // From now on a change of the field by anyone runs its selector with the text as search. The handler that the field
   // had is called after it.
   void bindChanges(TField* field);
+  // A further handler of the field's changes, before the field's own; it runs while changes are held, too.
+  void addChangeHandler(TField* field, FieldEvent handler);
 
   void setDependant(TField* field, TSelector* selector);
   const TSelectorDependantFieldsArray& dependants() const { return dependants_; }
@@ -44,6 +46,10 @@ class KALVOR_RULES SelectorFields {
   void runForDefault(TField* field);
   bool isSearching() const { return searching_ > 0; }
   void lookupClosed() { lookup_ = {}; }
+
+  // Sets a lookup field as a person would who knows the value: the selector then fills what depends on it, with "=" in
+  // place of LIKE. The value stays when no record is found or chosen.
+  void setWithLookup(TField* field, const Variant& value, const QString& description);
 
   // Puts the chosen values into the record for which the lookup was opened: all of them or, with what the field throws,
   // none. Selectors do not run meanwhile.
