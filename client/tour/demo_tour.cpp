@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QComboBox>
 #include <QTreeWidget>
 
 #include "data/client_dataset.h"
@@ -43,7 +44,19 @@ TourDriver::Condition dialogIs(const char* className)
 
 void logIn(TourDriver& driver)
 {
-  driver.step("log-in dialog", dialogIs("TfLogin"), [] {});
+  // At the very first start nothing is remembered: the company and the object are chosen, the user is there.
+  driver.step("log-in dialog", dialogIs("TfLogin"), [&driver] {
+    auto* company = TourDriver::dialog()->findChild<QComboBox*>(QStringLiteral("cbCompany"));
+    if (company->currentIndex() >= 0)
+      return;
+    for (int i = 0; i < 3; ++i)
+      driver.key(Qt::Key_Backtab, Qt::ShiftModifier);
+    for (int i = 0; i < 2; ++i) {
+      driver.key(Qt::Key_Down);
+      driver.key(Qt::Key_Tab);
+    }
+    driver.key(Qt::Key_Tab);
+  });
   driver.picture("log-in");
   driver.step("password", dialogIs("TfLogin"), [&driver] {
     driver.type("demo");

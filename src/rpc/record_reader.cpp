@@ -162,7 +162,10 @@ bool readTexts(Reader& in, qsizetype rows, NullBits nulls, Column& out)
       !in.expectTag(TagUint32, "text offsets of another kind") || !readArrayBytes(in, rows + 1, 4, offsets) ||
       !in.bytes(texts, "texts expected"))
     return false;
-  std::vector<char16_t> characters(size_t(utf8::utf16Units(texts.data(), texts.size())));
+  const size_t units = size_t(utf8::utf16Units(texts.data(), texts.size()));
+  std::vector<char16_t> characters;
+  characters.reserve(units + 1);  // an arena without a character has an address too
+  characters.resize(units);
   std::vector<Column::TextSpan> spans(static_cast<size_t>(rows));
   char16_t* end = characters.data();
   const char16_t* const limit = characters.data() + characters.size();
@@ -174,8 +177,7 @@ bool readTexts(Reader& in, qsizetype rows, NullBits nulls, Column& out)
     if (to < from || to > quint64(texts.size()))
       return in.fail("text offsets out of order");
     const char16_t* const start = end;
-    end = utf8::toUtf16(texts.data() + from, qsizetype(to - from), end, limit);
-    if (!end)
+    if (!utf8::toUtf16(texts.data() + from, qsizetype(to - from), end, limit))
       return in.fail("text is not UTF-8");
     spans[size_t(row)] = {quint32(start - characters.data()), quint32(end - start)};
     from = to;

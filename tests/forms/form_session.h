@@ -2,6 +2,8 @@
 // was told.
 #pragma once
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
@@ -36,13 +38,14 @@ class DemoServer {
   void start() { server_.start(); }
 
  private:
-  static server::ServerOptions options()
+  server::ServerOptions options() const
   {
     server::ServerOptions options;
-    options.database = QStringLiteral(":memory:");
+    options.database = folder_.filePath(QStringLiteral("demo.db"));
     options.port = 0;
     return options;
   }
+  QTemporaryDir folder_;
   server::ApplicationServer server_;
 };
 

@@ -139,6 +139,17 @@ class RecordFramesTest : public QObject {
       QCOMPARE(back->columns[0].textAt(row).toString(), texts[row]);
   }
 
+  void emptyTextsAndNullsAloneComeBack()
+  {
+    RecordSet records(QList<FieldDef>{field("A", DataType::WideString), field("B", DataType::Blob), field("C", DataType::Memo)});
+    records.appendRow({QStringLiteral(""), QByteArray(""), QVariant()});
+    records.appendRow({QStringLiteral(""), QByteArray(""), QVariant()});
+    const RecordSetPtr back = backFrom(shared(records));
+    QVERIFY(back);
+    compareRecords(*back, records);
+    QVERIFY(!back->columns[0].isNull(1) && back->columns[2].isNull(1));
+  }
+
   void loneSurrogateBecomesAReplacement()
   {
     RecordSet records(QList<FieldDef>{field("A", DataType::WideString)});

@@ -19,8 +19,10 @@ TfBase::Private::Private(TfBase* form)
 {
 }
 
-TfBase::TfBase(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>(this))
+TfBase::TfBase(QWidget* parent) : QWidget(parent)
 {
+  // Not before: the actions' own creation comes to event().
+  d = std::make_unique<Private>(this);
   d->uniqueId = CreateUniqueID();
   d->gridMenu = new QMenu(this);
   setFocusPolicy(Qt::NoFocus);

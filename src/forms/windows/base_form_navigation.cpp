@@ -129,7 +129,7 @@ void TfBase::focusFirstControl()
 
 bool TfBase::event(QEvent* event)
 {
-  if (d->stage == Private::Stage::Shown && !d->hosted) {
+  if (d && d->stage == Private::Stage::Shown && !d->hosted) {
     if (event->type() == QEvent::WindowActivate) {
       FormActivate();
     } else if (event->type() == QEvent::WindowDeactivate) {
