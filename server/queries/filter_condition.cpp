@@ -90,7 +90,11 @@ Fragment likeCondition(const ResolvedField& field, const Variant& value)
   if (isRealType(field.type) || field.type == DataType::Boolean || field.type == DataType::Blob) {
     refuseValue(field, value);
   }
-  const QString pattern = withoutQuotes(variantText(value));
+  QString pattern = withoutQuotes(variantText(value));
+  if (!pattern.contains(u'%')) {
+    // What a lookup searches for comes as it was typed: the beginning of a code or a name, or nothing at all.
+    pattern += u'%';
+  }
   const Fragment like = comparison(asText(field), "LIKE", pattern);
   qsizetype plain = 0;
   while (plain < pattern.size() && pattern.at(plain) != u'%' && pattern.at(plain) != u'_') {
