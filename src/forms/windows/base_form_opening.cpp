@@ -113,11 +113,13 @@ int TfBase::SetFormProperties()
     windowOf(this)->show();
     return 0;
   }
-  if (inSelectionMode() || options.testFlag(so_ShowModal)) {
+  // Beside a modal form nothing but another one can be used.
+  const bool modal = options.testFlag(so_ShowModal) || (QApplication::activeModalWidget() && !options.testFlag(so_DoNotShow));
+  if (inSelectionMode() || modal) {
     if (ISelectorOwnerIntf* owner = selectorOwner(d->owner)) {
       owner->SetSelectorForm(this);
     }
-    if (options.testFlag(so_ShowModal)) {
+    if (modal) {
       return showModally();
     }
   }
@@ -142,6 +144,7 @@ int TfBase::showModally()
   d->modal = true;
   ModalFormDialog dialog(this, QApplication::activeWindow());
   dialog.exec();
+  deleteLater();
   return d->modalResult;
 }
 
