@@ -80,6 +80,5 @@ class SaleAmountsTest : public QObject {
   }
 };
 
-Q_DECLARE_METATYPE(kalvor::server::SaleLineInput)
 static kalvor::testing::RegisterTest<SaleAmountsTest> saleAmountsTest;
 #include "sale_amounts_test.moc"
