@@ -214,27 +214,36 @@ void writeGroups(DemoScope& scope)
 
 }  // namespace
 
+// As many items of every range as its share of all that could be named.
 void createDemoItems(DemoScope& scope)
 {
   writeGroups(scope);
   ItemWriter writer(scope);
-  const int rangeCount = int(std::size(ranges));
-  int left = scope.itemCount;
-  for (int r = 0; r < rangeCount; ++r) {
-    const RangeSeed& range = ranges[r];
-    const QStringList nouns = QString::fromUtf8(range.nouns).split(u'|');
-    const QStringList variants = QString::fromUtf8(range.variants).split(u'|');
-    const QStringList brands = QString::fromUtf8(range.brands).split(u'|');
-    const int possible = int(nouns.size() * variants.size() * brands.size());
-    const int count = std::min(possible, (left + rangeCount - r - 1) / (rangeCount - r));
-    left -= count;
+  const auto listOf = [](const char* text) { return QString::fromUtf8(text).split(u'|'); };
+  const auto namesIn = [&](const RangeSeed& range) {
+    return int(listOf(range.nouns).size() * listOf(range.variants).size() * listOf(range.brands).size());
+  };
+  int allNames = 0;
+  for (const RangeSeed& range : ranges) {
+    allNames += namesIn(range);
+  }
+  const int wanted = std::min(scope.itemCount, allNames);
+  int namesBefore = 0;
+  int rangeNumber = 0;
+  for (const RangeSeed& range : ranges) {
+    const QStringList nouns = listOf(range.nouns);
+    const QStringList variants = listOf(range.variants);
+    const QStringList brands = listOf(range.brands);
+    const int first = wanted * namesBefore / allNames;
+    namesBefore += namesIn(range);
+    const int count = wanted * namesBefore / allNames - first;
     for (int i = 0; i < count; ++i) {
       const QString brand = brands.at(i / int(nouns.size() * variants.size()));
       const QString name = nouns.at(i % nouns.size()) + u' ' + variants.at(i / nouns.size() % variants.size()) +
                            (brand.isEmpty() ? QString() : QStringLiteral(" „%1“").arg(brand));
       writer.write(range, QString::fromLatin1(range.code) + QString::number(i + 1).rightJustified(4, u'0'), name);
     }
-    if (r % 3 == 0) {
+    if (rangeNumber++ % 3 == 0) {
       writer.writeGroupDiscount(range);
     }
   }

@@ -1,6 +1,5 @@
 #include "data/filter_program.h"
 
-#include <cstring>
 #include <functional>
 
 #include "data/collation.h"
@@ -55,7 +54,8 @@ FilterProgramPtr leaf(Evaluator evaluator)
 FilterProgramPtr constantLeaf(bool passes)
 {
   return leaf([passes](const RecordSet&, qsizetype first, qsizetype last, quint8* mask) {
-    std::memset(mask, passes ? 1 : 0, size_t(last - first));
+    for (qsizetype row = first; row < last; ++row)
+      mask[row - first] = passes;
   });
 }
 

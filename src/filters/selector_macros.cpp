@@ -14,7 +14,7 @@ namespace kalvor {
 namespace {
 
 const QString fieldOpener = QStringLiteral("<#Field(");
-const QString masterFieldOpener = QStringLiteral("<#MasterField(");
+const QString masterFieldMacro = QStringLiteral("<#MasterField(");
 const QString parameterOpener = QStringLiteral("<#Param(");
 const QString constOpener = QStringLiteral("<#Const(");
 const QString sqlParamOpener = QStringLiteral("<#SqlParam(");
@@ -64,8 +64,8 @@ Variant expandedValue(const QString& value, TClientDataSet* dataSet, const Selec
     if (const auto found = namedFieldValue(dataSet, macroName(value, fieldOpener)))
       return *found;
   const IBaseIntf* form = formOfDataSet(dataSet);
-  if (form && value.contains(masterFieldOpener))
-    if (const auto found = namedFieldValue(form->GetCdsMaster(), macroName(value, masterFieldOpener)))
+  if (form && value.contains(masterFieldMacro))
+    if (const auto found = namedFieldValue(form->GetCdsMaster(), macroName(value, masterFieldMacro)))
       return *found;
   if (value.contains(parameterOpener)) {
     const QString name = macroName(value, parameterOpener);

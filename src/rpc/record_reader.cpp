@@ -162,10 +162,7 @@ bool readTexts(Reader& in, qsizetype rows, NullBits nulls, Column& out)
       !in.expectTag(TagUint32, "text offsets of another kind") || !readArrayBytes(in, rows + 1, 4, offsets) ||
       !in.bytes(texts, "texts expected"))
     return false;
-  const size_t units = size_t(utf8::utf16Units(texts.data(), texts.size()));
-  std::vector<char16_t> characters;
-  characters.reserve(units + 1);  // an arena without a character has an address too
-  characters.resize(units);
+  std::vector<char16_t> characters(size_t(utf8::utf16Units(texts.data(), texts.size())));
   std::vector<Column::TextSpan> spans(static_cast<size_t>(rows));
   char16_t* end = characters.data();
   const char16_t* const limit = characters.data() + characters.size();

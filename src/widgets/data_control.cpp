@@ -246,9 +246,37 @@ void DataControl::storeOrThrow()
   refresh();
 }
 
+void DataControl::tellRefusal(const QString& message, Telling when)
+{
+  if (telling_) {
+    return;
+  }
+  telling_ = true;
+  // The toolkit is in the middle of moving the focus; taking it back and talking come after that.
+  QTimer::singleShot(0, widget_, [this, message, when] {
+    telling_ = false;
+    if (when == Telling::AfterFocusMoved) {
+      if (refused_) {
+        widget_->setFocus(Qt::OtherFocusReason);
+      }
+      reportControlMessage(widget_, message);
+    }
+  });
+  if (when == Telling::Now) {
+    reportControlMessage(widget_, message);
+  }
+}
+
 bool DataControl::commit()
 {
-  return !modified_ || attempt(widget_, [this] { storeOrThrow(); });
+  if (!modified_) {
+    return true;
+  }
+  const Refusal refusal = runCaught([this] { storeOrThrow(); });
+  if (refusal.happened) {
+    tellRefusal(refusal.message, Telling::Now);
+  }
+  return !refusal.happened;
 }
 
 void DataControl::commitOnLeave(Qt::FocusReason reason)
@@ -259,16 +287,9 @@ void DataControl::commitOnLeave(Qt::FocusReason reason)
     return;
   }
   const Refusal refusal = runCaught([this] { storeOrThrow(); });
-  if (!refusal.happened) {
-    return;
+  if (refusal.happened) {
+    tellRefusal(refusal.message, Telling::AfterFocusMoved);
   }
-  // The toolkit is in the middle of moving the focus; taking it back and talking come after that.
-  QTimer::singleShot(0, widget_, [this, message = refusal.message] {
-    if (refused_) {
-      widget_->setFocus(Qt::OtherFocusReason);
-    }
-    reportControlMessage(widget_, message);
-  });
 }
 
 }  // namespace kalvor

@@ -92,6 +92,8 @@ class KALVOR_WIDGETS DataControl {
   void dataEvent(DataEvent event, TField* field);
   void refresh();
   void storeOrThrow();
+  enum class Telling : quint8 { Now, AfterFocusMoved };
+  void tellRefusal(const QString& message, Telling when);
 
   QWidget* widget_;
   FieldBinding binding_;
@@ -102,6 +104,7 @@ class KALVOR_WIDGETS DataControl {
   bool refused_ = false;
   bool starting_ = false;  // the dataset is being taken to edit state for this control
   bool storing_ = false;
+  bool telling_ = false;   // one action of the user, one message, however often it tried to write
 };
 
 // Binds every control and grid under root whose data set name is the object name of a dataset among the

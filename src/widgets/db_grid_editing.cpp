@@ -20,9 +20,12 @@ bool TDBGrid::editCell()
   return cellEditor() || QTableView::edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
 }
 
-QWidget* TDBGrid::cellEditor() const
+void TDBGrid::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
 {
-  return indexWidget(currentIndex());
+  if (editor == editor_) {
+    editor_ = nullptr;
+    QTableView::closeEditor(editor, hint);
+  }
 }
 
 bool TDBGrid::commitCell()
@@ -33,12 +36,13 @@ bool TDBGrid::commitCell()
 
 void TDBGrid::closeCell()
 {
-  if (QWidget* editor = cellEditor()) {
-    if (DataControl* control = DataControl::of(editor)) {
-      control->revert();
-    }
-    closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+  if (!editor_) {
+    return;
   }
+  if (DataControl* control = DataControl::of(editor_)) {
+    control->revert();
+  }
+  closeEditor(editor_, QAbstractItemDelegate::RevertModelCache);
 }
 
 bool TDBGrid::toggleCell(const QModelIndex& index)

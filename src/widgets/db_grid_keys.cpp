@@ -95,6 +95,10 @@ bool TDBGrid::tabKey(bool forward)
 
 bool TDBGrid::focusNextPrevChild(bool next)
 {
+  if (QApplication::focusWidget() != this) {
+    setFocus();  // something inside the grid had the focus and gives it up
+    return true;
+  }
   // At the very end and the very beginning Tab leaves the grid.
   const TClientDataSet* source = dataSet();
   const bool last = !source || !source->Active() || source->IsEmpty() ||

@@ -23,7 +23,7 @@ void TDBGrid::setMarked(qsizetype row, bool on)
   } else {
     marks_.remove(record);
   }
-  viewport()->update();
+  updateRow(int(row));
   emit marksChanged();
 }
 

@@ -50,6 +50,16 @@ QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelInd
   return QSize(64, textLineHeight(option.fontMetrics));
 }
 
+// Shaping a text to learn its width costs as much as drawing it; most cells are plainly wide enough.
+QString GridDelegate::elided(const QString& text, const QStyleOptionViewItem& option, int width) const
+{
+  if (widestLetter_ == 0 || measuredFont_ != option.font) {
+    measuredFont_ = option.font;
+    widestLetter_ = option.fontMetrics.horizontalAdvance(u'Щ');
+  }
+  return text.size() * widestLetter_ <= width ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, width);
+}
+
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
   TField* field = grid_->model_->fieldAt(index.column());
@@ -101,7 +111,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setPen(colors.text);
     painter->setFont(option.font);
     painter->drawText(textRect, int(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      option.fontMetrics.elidedText(text, Qt::ElideRight, textRect.width()));
+                      elided(text, option, textRect.width()));
   }
   if (colors.current) {
     const bool active = grid_->hasFocus() || grid_->isAncestorOf(QApplication::focusWidget());
@@ -151,6 +161,7 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
     control->setDataSet(grid_->dataSet());
     control->setDataField(field->FieldName());
   }
+  grid_->editor_ = editor;
   return editor;
 }
 
@@ -223,7 +234,7 @@ bool GridDelegate::eventFilter(QObject* watched, QEvent* event)
         QWidget* focus = QApplication::focusWidget();
         const DataControl* control = DataControl::of(editor);
         const bool elsewhere = focus && focus != editor && !editor->isAncestorOf(focus) && !QApplication::activePopupWidget();
-        if (elsewhere && (!control || !control->isPending())) {
+        if (elsewhere && editor == grid_->cellEditor() && (!control || !control->isPending())) {
           emit closeEditor(editor, NoHint);
         }
       });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAbstractItemDelegate>
+#include <QFont>
 
 namespace kalvor {
 
@@ -27,8 +28,11 @@ class GridDelegate : public QAbstractItemDelegate {
 
  private:
   bool editorKey(QWidget* editor, QKeyEvent* event);
+  QString elided(const QString& text, const QStyleOptionViewItem& option, int width) const;
 
   TDBGrid* grid_;
+  mutable QFont measuredFont_;
+  mutable int widestLetter_ = 0;  // of that font
 };
 
 }  // namespace kalvor

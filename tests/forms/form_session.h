@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QTest>
 
 #include "../scratch_documents.h"
 #include "../scripted_ports.h"
@@ -57,7 +58,8 @@ class FormSession {
     LocalData = {};
     AutoLoginData = {};
     host.commandLine = {QStringLiteral("-u"), user, QStringLiteral("-p"), QStringLiteral("demo"), QStringLiteral("-c"),
-                        QStringLiteral("1"),  QStringLiteral("-b"), QStringLiteral("1"), QStringLiteral("-a")};
+                        QStringLiteral("1"),  QStringLiteral("-b"), user == u"GUEST" ? QStringLiteral("3") : QStringLiteral("1"),
+                        QStringLiteral("-a")};
     dm = std::make_unique<TDM>(host);
     dm->FormList = std::make_unique<RegisteredForms>();
     dm->SocketCon.Port = port;
@@ -77,6 +79,10 @@ class RememberingMainWindow : public IMainFormIntf, public FormHost {
   {
     area.resize(1280, 700);
     area.show();
+    area.activateWindow();
+    if (!QTest::qWaitForWindowActive(&area)) {
+      qWarning("The window did not become active");
+    }
     installMainForm(this);
     installFormHost(this);
   }

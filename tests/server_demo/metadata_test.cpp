@@ -1,6 +1,8 @@
 #include "demo_database.h"
+#include "server/catalogue/metadata.h"
 #include "server/metadata/metadata_check.h"
 #include "server/metadata/metadata_loader.h"
+#include "server/queries/order_terms.h"
 #include "several_tests.h"
 
 using namespace kalvor;
@@ -18,6 +20,30 @@ class MetadataTest : public QObject {
   }
 
   void theProgramsOwnFormsAreSound() { QCOMPARE(checkMetadata(*database_), QStringList()); }
+
+  // As the server reads them: every query usable, every field known by its name and its filter name.
+  void theServerUnderstandsThem()
+  {
+    const auto metadata = server::Metadata::read(*database_);
+    int fields = 0;
+    for (const DeclaredQuery& declared : embeddedMetadata().queries) {
+      const StoredQuery* query = metadata->query(declared.formId, declared.datasetIndex);
+      QVERIFY2(query, qPrintable(QString::number(declared.id)));
+      for (const DeclaredField& field : declared.fields) {
+        if (field.kind == u"6") {
+          continue;
+        }
+        QVERIFY2(query->resolve(field.name, {}), qPrintable(field.name));
+        QVERIFY2(field.source.isEmpty() || query->resolve(field.source, {}), qPrintable(field.source));
+        ++fields;
+      }
+      QVERIFY(declared.defaultOrder.isEmpty() || !orderTerms(declared.defaultOrder, QueryFields(*query, {})).isEmpty());
+      for (const QueryItem& item : query->items) {
+        QVERIFY2(item.field.type != DataType::Unknown || !item.declaredType.isEmpty(), qPrintable(item.field.name));
+      }
+    }
+    QVERIFY(fields > 400);
+  }
 
   void knownFormsAreThere_data()
   {

@@ -14,6 +14,7 @@
 #include "session/login_lists.h"
 #include "session/settings_document.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using namespace kalvor::testing;
 
@@ -22,7 +23,7 @@ namespace {
 std::unique_ptr<server::ApplicationServer> demoServer()
 {
   server::ServerOptions options;
-  options.database = QStringLiteral(":memory:");
+  options.database = u":memory:"_s;
   options.port = 0;
   auto started = std::make_unique<server::ApplicationServer>(options);
   server::DemoOptions demo;
@@ -56,7 +57,7 @@ class SessionServerTest : public QObject {
   {
     LocalData = {};
     AutoLoginData = {};
-    KalvorClientINIFileName = hostProgramName() + QStringLiteral(".ini");
+    KalvorClientINIFileName = hostProgramName() + u".ini"_s;
   }
 
   void listsBeforeLogIn()
@@ -68,12 +69,12 @@ class SessionServerTest : public QObject {
     LoginLists lists(broker);
     lists.LoadCombosFromIni();
     QCOMPARE(lists.companies.items().size(), 3);
-    lists.companies.selectId(QStringLiteral("1"));
+    lists.companies.selectId(u"1"_s);
     lists.companyChanged();
     QVERIFY(!lists.objects.items().isEmpty());
     lists.objects.select(0);
     lists.objectChanged();
-    lists.users.selectId(QStringLiteral("SUPERVSR"));
+    lists.users.selectId(u"SUPERVSR"_s);
     QVERIFY(lists.users.selected() >= 0);
   }
 
@@ -83,12 +84,16 @@ class SessionServerTest : public QObject {
     QTest::addColumn<QString>("password");
     QTest::addColumn<QString>("object");
     QTest::addColumn<QString>("message");
-    const QString noData = QStringLiteral("Грешка при извличане на данни!\r\nМоля, проверете коректността на въведените данни!");
-    QTest::newRow("password") << "SUPERVSR" << "x" << "" << QStringLiteral("Не валидна парола");
+    const QString noData = u"Грешка при извличане на данни!\r\nМоля, проверете коректността на въведените данни!"_s;
+    QTest::newRow("password") << "SUPERVSR" << "x" << "" << u"Не валидна парола"_s;
     QTest::newRow("user") << "NOBODY" << "demo" << "" << noData;
     QTest::newRow("object") << "CLERK" << "demo" << "3" << noData;
-    QTest::newRow("inactive") << "FORMER" << "demo" << "2"
-                              << QStringLiteral("Потребителя не е активен!\n\rМоля, обърнете се към системния администратор за отстраняване на проблема!");
+    QTest::newRow("inactive")
+        << "FORMER"
+        << "demo"
+        << "2"
+        << u"Потребителя не е активен!\n\rМоля, обърнете се към системния "
+               u"администратор за отстраняване на проблема!"_s;
   }
   void refusals()
   {
@@ -100,7 +105,7 @@ class SessionServerTest : public QObject {
     LoginChoice choice;
     choice.user = user;
     choice.businessGroup = object;
-    choice.company = QStringLiteral("1");
+    choice.company = u"1"_s;
     choice.password = password;
     desk.host.dialogs = {{true, choice}, {}};
     desk.dm.DataModuleCreate();
@@ -112,56 +117,56 @@ class SessionServerTest : public QObject {
   {
     {
       Desk desk(*server_, documents_);
-      desk.logIn(QStringLiteral("SUPERVSR"));
+      desk.logIn(u"SUPERVSR"_s);
       QCOMPARE(desk.prompt.messages, QStringList());
       QVERIFY2(errors().isEmpty(), qPrintable(errors()));
       QVERIFY(!LocalData.EmployeeName.isEmpty());
-      QCOMPARE(LocalData.Currency_LCY, QStringLiteral("EUR"));
+      QCOMPARE(LocalData.Currency_LCY, u"EUR"_s);
       QVERIFY(!LocalData.ServerText.isEmpty() && !LocalData.ServerName.isEmpty());
       desk.dm.LoadLogInData(QString());
       QVERIFY2(errors().isEmpty(), qPrintable(errors()));
       QVERIFY(desk.dm.cdsTreeView.RecordCount() > 0);
-      QCOMPARE(desk.dm.cdsTreeView.FieldByName(u"Owner")->AsString(), QStringLiteral("83_85_80_69_82_86_83_82_1_"));
+      QCOMPARE(desk.dm.cdsTreeView.FieldByName(u"Owner")->AsString(), u"83_85_80_69_82_86_83_82_1_"_s);
       QCOMPARE(desk.dm.cdsTreeView.FieldByName(u"ReadRight")->AsInteger(), 1);
       QVERIFY(desk.dm.userSettingsDocument() && desk.dm.userActionsDocument());
-      SaveNodeToXml(*desk.dm.userSettingsDocument(), QStringLiteral("Form_Id150"), {QStringLiteral("Filter=Захар's")}, true);
+      SaveNodeToXml(*desk.dm.userSettingsDocument(), u"Form_Id150"_s, {u"Filter=Захар's"_s}, true);
       desk.dm.UserLogOff();
     }
     Desk again(*server_, documents_);
-    again.logIn(QStringLiteral("SUPERVSR"));
+    again.logIn(u"SUPERVSR"_s);
     QStringList lines;
-    QVERIFY(GetNodeFromXml(*again.dm.userSettingsDocument(), QStringLiteral("Form_Id150"), lines));
+    QVERIFY(GetNodeFromXml(*again.dm.userSettingsDocument(), u"Form_Id150"_s, lines));
     QCOMPARE(lines, QStringList{"Filter=Захар's"});
     QVERIFY2(errors().isEmpty(), qPrintable(errors()));
-    QVERIFY(!again.dm.SetDocCopiesPrinted(QStringLiteral("N_Users"), QStringLiteral("1"), QStringLiteral("PasswordHash")));
+    QVERIFY(!again.dm.SetDocCopiesPrinted(u"N_Users"_s, u"1"_s, u"PasswordHash"_s));
   }
 
   // The statement that saves the settings does the same as the end of the session.
   void savingStatementIsUnderstood()
   {
     Desk desk(*server_, documents_);
-    desk.logIn(QStringLiteral("SUPERVSR"));
+    desk.logIn(u"SUPERVSR"_s);
     QVERIFY(desk.dm.userSettingsDocument());
-    SaveNodeToXml(*desk.dm.userSettingsDocument(), QStringLiteral("IniOptions"), {QStringLiteral("Grids=-1")}, true);
-    QCOMPARE(desk.dm.ConBroker->Call(QStringLiteral("ExecuteSQLScript"), {desk.dm.GetUserDataForUpdate()}), Variant(0));
+    SaveNodeToXml(*desk.dm.userSettingsDocument(), u"IniOptions"_s, {u"Grids=-1"_s}, true);
+    QCOMPARE(desk.dm.ConBroker->Call(u"ExecuteSQLScript"_s, {desk.dm.GetUserDataForUpdate()}), Variant(0));
     Desk again(*server_, documents_);
-    again.logIn(QStringLiteral("SUPERVSR"));
+    again.logIn(u"SUPERVSR"_s);
     QStringList lines;
-    GetNodeFromXml(*again.dm.userSettingsDocument(), QStringLiteral("IniOptions"), lines);
+    GetNodeFromXml(*again.dm.userSettingsDocument(), u"IniOptions"_s, lines);
     QCOMPARE(lines, QStringList{"Grids=-1"});
   }
 
   void datasetIsReadInPackets()
   {
     Desk desk(*server_, documents_);
-    desk.logIn(QStringLiteral("SUPERVSR"));
+    desk.logIn(u"SUPERVSR"_s);
     const std::unique_ptr<TClientDataSet> items(desk.dm.CreateCDS(150, {}, true));
     QVERIFY2(items && items->Active(), qPrintable(errors()));
     QCOMPARE(items->RecordCount(), 32);
     items->Last();
     QCOMPARE(items->RecordCount(), 50);
     QVERIFY(items->AllFetched());
-    const FilterArray none{{QStringLiteral("1"), QStringLiteral("="), 2, QString(), QString()}};
+    const FilterArray none{{u"1"_s, u"="_s, 2, QString(), QString()}};
     const std::unique_ptr<TClientDataSet> empty(desk.dm.CreateCDS(150, none, true));
     QVERIFY(empty && empty->IsEmpty());
     QVERIFY(!desk.dm.CreateCDS(999999, {}, true));
@@ -170,16 +175,16 @@ class SessionServerTest : public QObject {
   void connectionThatBreaksIsMended()
   {
     Desk desk(*server_, documents_);
-    desk.logIn(QStringLiteral("SUPERVSR"));
+    desk.logIn(u"SUPERVSR"_s);
     const quint16 port = server_->port();
     server_->stop();
     server_->start();
     desk.dm.SocketCon.Port = server_->port();
     QVERIFY(port != 0);
-    QCOMPARE(desk.dm.ConBroker->Call(QStringLiteral("servername")), Variant(LocalData.ServerName));
-    desk.dm.ConBroker->setSession(QStringLiteral("nonsense"));
+    QCOMPARE(desk.dm.ConBroker->Call(u"servername"_s), Variant(LocalData.ServerName));
+    desk.dm.ConBroker->setSession(u"nonsense"_s);
     desk.dm.ConBroker->Disconnect();
-    QVERIFY_THROWS_EXCEPTION(RpcError, desk.dm.ConBroker->Call(QStringLiteral("servername")));
+    QVERIFY_THROWS_EXCEPTION(RpcError, desk.dm.ConBroker->Call(u"servername"_s));
   }
 
  private:
@@ -187,14 +192,14 @@ class SessionServerTest : public QObject {
     Desk(server::ApplicationServer& running, const ScratchDocuments&)
     {
       dm.SocketCon.Port = running.port();
-      SaveSectionToIni(QStringLiteral("Server"), {QStringLiteral("ServerPort=%1").arg(running.port()),
-                                                  QStringLiteral("ServerAddress=127.0.0.1")});
+      SaveSectionToIni(u"Server"_s, {u"ServerPort=%1"_s.arg(running.port()),
+                                                  u"ServerAddress=127.0.0.1"_s});
     }
     void logIn(const QString& user)
     {
       LoginChoice choice;
       choice.user = user;
-      choice.company = QStringLiteral("1");
+      choice.company = u"1"_s;
       choice.password = server::demoPassword();
       host.dialogs = {{true, choice}};
       dm.DataModuleCreate();

@@ -1,5 +1,6 @@
 // The grid over a dataset: cursor, columns, marks, copying, keys.
 #include <QClipboard>
+#include <QScrollBar>
 #include <QSignalSpy>
 
 #include "grid_fixture.h"
@@ -353,6 +354,36 @@ class TestGrid : public QObject {
     QVERIFY(rows.contains(2) && rows.size() < 40);
     const QRect cell = form.grid->visualRect(form.grid->datasetModel()->index(2, 1));
     QCOMPARE(picture.pixelColor(cell.left() + 2, cell.top() + 3), QColor(0x12, 0xf4, 0x56));
+  }
+
+  void fixedColumnsStayWhileTheOthersScroll()
+  {
+    GridForm form;
+    form.window.resize(420, 300);
+    form.grid->setFixedColumns(1);
+    form.grid->selectField(QStringLiteral("Name"));
+    form.grid->selectLastColumn();
+    QScrollBar* bar = form.grid->horizontalScrollBar();
+    QVERIFY(bar->value() > 0);
+    const auto rectOf = [&](const char* name) {
+      return form.grid->visualRect(form.grid->datasetModel()->index(2, form.grid->datasetModel()->columnOf(QString::fromLatin1(name))));
+    };
+    QCOMPARE(rectOf("Code").left(), 0);
+    QVERIFY(rectOf("Name").left() < 0);
+    form.click(2, "Code");
+    QCOMPARE(form.selected(), QStringLiteral("Code"));
+    QCOMPARE(form.data.RecNo(), 3);
+    QVERIFY(bar->value() > 0);
+    form.grid->selectNextColumn();
+    QVERIFY(rectOf("Name").left() >= rectOf("Code").right());
+    QSignalSpy titles(form.grid, &TDBGrid::titleClicked);
+    bar->setValue(bar->maximum());
+    QTest::mouseClick(form.grid->horizontalHeader()->viewport(), Qt::LeftButton, {}, QPoint(10, 10));
+    QCOMPARE(titles.size(), 1);
+    QCOMPARE(titles.at(0).at(0).value<TField*>(), form.field("Code"));
+    form.window.grab();
+    form.grid->setFixedColumns(0);
+    QVERIFY(rectOf("Code").left() < 0);
   }
 
   void footerStandsUnderTheColumns()

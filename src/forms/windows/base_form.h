@@ -246,6 +246,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
                          TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
   void bindActions();
+  void hookFields(TCDSOptions& entry);
   void hookDataSet(TClientDataSet* dataSet);
   void openWithDescription();
   void openMaster();

@@ -125,14 +125,7 @@ void TfBase::CDS_AfterOpen(TClientDataSet* dataSet)
     TCDSOptions& entry = *GetCdsOpts(dataSet);
     if (!entry.MetadataApplied && !entry.FieldDescriptions.isEmpty()) {
       applyFieldDescriptions(*dataSet, entry.FieldDescriptions);
-      for (TField* field : dataSet->Fields()) {
-        field->OnValidate = [this, own = field->OnValidate](TField* changed) {
-          FieldOnValidate(changed);
-          if (own) {
-            own(changed);
-          }
-        };
-      }
+      hookFields(entry);
       entry.MetadataApplied = true;
       dataSet->UpdateLayout();
     }
@@ -144,6 +137,23 @@ void TfBase::CDS_AfterOpen(TClientDataSet* dataSet)
     AttachDynamicAggregateEvents(dataSet);
   };
   raisingLogged(QStringLiteral("TfBase.CDS_AfterOpen"), open);
+}
+
+// Fields outlive closing, and a filter applies the metadata again: each is hooked once.
+void TfBase::hookFields(TCDSOptions& entry)
+{
+  for (TField* field : entry.DataSet->Fields()) {
+    if (entry.HookedFields.contains(field->FieldName())) {
+      continue;
+    }
+    entry.HookedFields.insert(field->FieldName());
+    field->OnValidate = [this, own = field->OnValidate](TField* changed) {
+      FieldOnValidate(changed);
+      if (own) {
+        own(changed);
+      }
+    };
+  }
 }
 
 void TfBase::CDS_AfterClose(TClientDataSet* dataSet)

@@ -148,6 +148,20 @@ int TfBase::showModally()
   return d->modalResult;
 }
 
+namespace {
+
+// A child window that would stick out of the area is made smaller, and moved in where that is not enough.
+void fitIntoArea(QMdiSubWindow* sub)
+{
+  const QSize space = sub->mdiArea()->viewport()->size();
+  const QSize room(space.width() - sub->x(), space.height() - sub->y());
+  sub->resize(sub->size().boundedTo(room).expandedTo(sub->minimumSizeHint()).boundedTo(space));
+  sub->move(qMax(0, qMin(sub->x(), space.width() - sub->width())),
+            qMax(0, qMin(sub->y(), space.height() - sub->height())));
+}
+
+}  // namespace
+
 void TfBase::showAsChild()
 {
   adoptChildWindow(this);
@@ -165,6 +179,8 @@ void TfBase::showAsChild()
   if (!d->tableFilterShown && !d->options.testFlag(so_DoNotShow)) {
     show();
     window->show();
+    if (sub && !sub->isMaximized())
+      fitIntoArea(sub);
     focusFirstControl();
   }
 }
