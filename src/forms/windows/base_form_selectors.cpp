@@ -150,6 +150,7 @@ void TfBase::backToField(TClientDataSet* dataSet, const QString& fieldName)
     return;
   }
   control->revert();
+  activateForm(this);
   QWidget* widget = control->controlWidget();
   widget->setFocus(Qt::OtherFocusReason);
   if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
