@@ -109,9 +109,11 @@ void appendWeights(QStringView text, std::vector<quint8>& weights)
     if (weight == 0)
       continue;
     weights.push_back(quint8(weight >> 16));
-    if (weight >> 16 == otherWeight)
-      for (const quint32 code = weight & 0xFFFF; const quint32 part : {code / (254 * 254) % 254, code / 254 % 254, code % 254})
-        weights.push_back(quint8(part + 1));
+    if (weight >> 16 != otherWeight)
+      continue;
+    const quint32 code = weight & 0xFFFF;
+    for (const quint32 part : {code / (254 * 254), code / 254 % 254, code % 254})
+      weights.push_back(quint8(part + 1));
   }
 }
 
