@@ -244,6 +244,17 @@ class SelectorChangesTest : public QObject {
     QCOMPARE(document.field(u"Item_Id")->AsString(), QStringLiteral("idA1"));
   }
 
+  void aValueGivenFromOutsideFillsWhatDependsOnIt()
+  {
+    Document document;
+    document.services.choose = [](TSelectionList&, QObject*) { return 2; };
+    document.form.fields.setWithLookup(document.code(), QStringLiteral("a1"), codeDescription);
+    QCOMPARE(document.record(), QStringLiteral("1/A1/Артикул A1/idA1/-"));
+    document.form.fields.setWithLookup(document.code(), QStringLiteral("A"), codeDescription);
+    QCOMPARE(document.record(), QStringLiteral("1/A/Артикул A1/idA1/-"));
+    QCOMPARE(filterText(document.services.openedFilter), QStringLiteral("(N_Item.Code;=;A;)"));
+  }
+
   void defaultThatCallsTheSelector()
   {
     Document document;

@@ -220,6 +220,31 @@ class InvoiceLookupsTest : public QObject {
     QCOMPARE(desk.prompt.messages, QStringList());
   }
 
+  void aCardOpenedFromTheLookupCanBeUsed()
+  {
+    InvoiceDesk desk;
+    bool cardInFront = false;
+    InTheLookup lookup([&](TfBaseBrowse* list) {
+      QTimer::singleShot(50, list, [&cardInFront] {
+        QWidget* front = QApplication::activeModalWidget();
+        cardInFront = front && front->findChild<TfEdContragent*>();
+        if (cardInFront)
+          front->close();
+      });
+      list->execute(QStringLiteral("acShowCard"));
+    });
+    TDBEdit* edit = desk.edit("N_Contragent_Code");
+    edit->setFocus();
+    QTest::keyClicks(edit, QStringLiteral("1"));
+    press(edit, Qt::Key_Tab);
+    QVERIFY(lookup.opened);
+    QVERIFY(cardInFront);
+    QCOMPARE(desk.master("N_Contragent_Code"), QString());
+    QTRY_COMPARE(QApplication::focusWidget(), edit);
+    QCOMPARE(edit->text(), QString());
+    QCOMPARE(desk.prompt.messages, QStringList());
+  }
+
   void anotherKindOfLineForgetsTheItem()
   {
     InvoiceDesk desk;
