@@ -9,6 +9,8 @@ struct ColumnInfo {
   QString name;          // as declared
   DataType type = DataType::WideString;
   int size = 0;          // VARCHAR(n); 0 = no limit
+  bool notNull = false;
+  bool hasDefault = false;
 };
 
 struct TableInfo {

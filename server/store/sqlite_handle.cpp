@@ -1,5 +1,7 @@
 #include "server/store/sqlite_handle.h"
 
+#include <QUrl>
+#include <cstring>
 
 #include "server/store/text_rules.h"
 
@@ -46,6 +48,16 @@ QStringList namedColumns(const QString& message)
   return columns;
 }
 
+// A shared database in memory is kept by the in-memory file system, whose locks are those of a file.
+QByteArray sqliteName(const QString& fileName)
+{
+  if (!fileName.startsWith(u"file:")) {
+    return fileName.toUtf8();
+  }
+  const QString name = fileName.mid(5).section(u'?', 0, 0);
+  return "file:/" + QUrl::toPercentEncoding(name) + "?vfs=memdb";
+}
+
 std::string_view textOf(sqlite3_value* value)
 {
   const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
@@ -85,7 +97,7 @@ void caseFunction(sqlite3_context* context, int, sqlite3_value** values)
   sqlite3_result_text(context, result.constData(), int(result.size()), SQLITE_TRANSIENT);
 }
 
-int authorizeReading(void*, int action, const char*, const char*, const char*, const char*)
+int authorizeReading(void*, int action, const char* first, const char*, const char*, const char*)
 {
   switch (action) {
     case SQLITE_SELECT:
@@ -94,6 +106,12 @@ int authorizeReading(void*, int action, const char*, const char*, const char*, c
     case SQLITE_RECURSIVE:
     case SQLITE_TRANSACTION:
     case SQLITE_SAVEPOINT: return SQLITE_OK;
+    // SQLite asks this when a statement first names one of its own table-valued pragmas; nothing is written, and
+    // defensive mode keeps the schema from being written by text.
+    case SQLITE_UPDATE: return first && std::strcmp(first, "sqlite_master") == 0 ? SQLITE_OK : SQLITE_DENY;
+    case SQLITE_PRAGMA:
+      return first && (std::strcmp(first, "table_xinfo") == 0 || std::strcmp(first, "foreign_key_list") == 0)
+                 ? SQLITE_OK : SQLITE_DENY;
     default: return SQLITE_DENY;
   }
 }
@@ -102,8 +120,8 @@ int authorizeReading(void*, int action, const char*, const char*, const char*, c
 
 SqliteHandle::SqliteHandle(const QString& fileName)
 {
-  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-  const int code = sqlite3_open_v2(fileName.toUtf8().constData(), &database_, flags, nullptr);
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
+  const int code = sqlite3_open_v2(sqliteName(fileName).constData(), &database_, flags, nullptr);
   if (code != SQLITE_OK) {
     const QString message = QString::fromUtf8(database_ ? sqlite3_errmsg(database_) : "out of memory");
     sqlite3_close_v2(database_);
