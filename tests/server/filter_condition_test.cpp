@@ -76,10 +76,11 @@ class FilterConditionTest : public QObject {
     row("not empty number", {{"Code", "<>", "", "AND", "("}, {"Code", "is not ", "null", "", ")"}},
         "((C IS NOT NULL) AND (C IS NOT NULL))", "");
     row("IS", {{"Name", "IS", "NULL", ""}}, "(N IS NULL)", "");
-    row("pattern", {{"Name", "LIKE", "%аб", ""}}, "(N LIKE ?)", "%аб");
-    row("pattern with a beginning", {{"Name", "LIKE", "аб%", ""}}, "((N >= ?) AND (N < ?) AND (N LIKE ?))", "аб|ав|аб%");
-    row("star in a pattern", {{"Name", "like", "%а*", "OR"}}, "(N LIKE ?)", "%а*");
-    row("pattern of a number", {{"Code", "LIKE", "5%", ""}}, "(CAST(C AS TEXT) LIKE ?)", "5%");
+    row("pattern", {{"Name", "LIKE", "%аб", ""}}, "(N LIKE ? ESCAPE '!')", "%аб");
+    row("pattern with a beginning", {{"Name", "LIKE", "аб%", ""}}, "((N >= ?) AND (N < ?) AND (N LIKE ? ESCAPE '!'))", "аб|ав|аб%");
+    row("star in a pattern", {{"Name", "like", "%а*", "OR"}}, "(N LIKE ? ESCAPE '!')", "%а%");
+    row("no other wildcards", {{"Name", "LIKE", "%а_!", ""}}, "(N LIKE ? ESCAPE '!')", "%а!_!!");
+    row("pattern of a number", {{"Code", "LIKE", "5%", ""}}, "(CAST(C AS TEXT) LIKE ? ESCAPE '!')", "5%");
     row("in", {{"Name", "IN", "('a','б''в')", ""}}, "(N IN (?, ?))", "a|б'в");
     row("in without its bracket", {{"Name", "IN ", "('a','b'", ")"}}, "(N IN (?, ?))", "a|b");
     row("in, then a further row", {{"Code", "IN ", "(1,2", ")"}, {"Name", "=", "x", ""}}, "(C IN (?, ?)) AND (N = ?)", "1|2|x");

@@ -250,7 +250,7 @@ class OverTheWireTest : public QObject {
     QCOMPARE(quiet.logIn(QStringLiteral("SUPERVSR"), QString(), QStringLiteral("1")), 0);
     const QList<QByteArray> rubbish{QByteArray(64, '\xff'), QByteArray("GET / HTTP/1.1\r\n\r\n"),
                                     QByteArray::fromHex("00000001ff"), QByteArray::fromHex("7fffffff00"),
-                                    QByteArray::fromHex("00000000"), QByteArray::fromHex("00000004") + "\x84\x00\x01\xf6"};
+                                    QByteArray::fromHex("00000000"), QByteArray::fromHex("00000004840001f6")};
     for (const QByteArray& bytes : rubbish) {
       QTcpSocket socket;
       socket.connectToHost(QStringLiteral("127.0.0.1"), server_->port());
