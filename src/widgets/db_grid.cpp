@@ -217,6 +217,12 @@ void TDBGrid::currentChanged(const QModelIndex& current, const QModelIndex& prev
     viewport()->update();
     return;
   }
+  // Taken first: scrolling to the cell may fetch records, and the cursor is then shown in this column.
+  TField* field = current.isValid() && !model_->isSyncing() ? model_->fieldAt(current.column()) : nullptr;
+  const bool entered = field && field->FieldName() != currentName_;
+  if (entered) {
+    currentName_ = field->FieldName();
+  }
   QTableView::currentChanged(current, previous);
   if (current.row() != previous.row()) {
     updateRow(previous.row());
@@ -225,9 +231,7 @@ void TDBGrid::currentChanged(const QModelIndex& current, const QModelIndex& prev
   if (!current.isValid() || model_->isSyncing()) {
     return;
   }
-  TField* field = model_->fieldAt(current.column());
-  if (field && field->FieldName() != currentName_) {
-    currentName_ = field->FieldName();
+  if (entered) {
     emit columnEntered(field);
   }
   if (byUser && dataSet() && current.row() != dataSet()->RecNo() - 1) {
