@@ -76,7 +76,11 @@ QString StoredQuery::compile(const Catalogue& catalogue)
       return why;
     }
   }
-  if (companyField.isEmpty() && base) {
+  // Forgetting the company must not open the table; a text that asks for :Comp_Id has thought of it.
+  const bool asksForCompany = std::any_of(parts.tokens.begin(), parts.tokens.end(), [](const SqlToken& token) {
+    return token.kind == TokenKind::Parameter && equalNames(token.text, u"Comp_Id");
+  });
+  if (companyField.isEmpty() && base && !asksForCompany) {
     if (const ColumnInfo* company = catalogue.companyColumn(*base)) {
       companyField = baseAlias + u'.' + company->name;
     }

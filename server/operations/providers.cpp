@@ -40,12 +40,13 @@ QString ownerKey(const QString& userId, const Session& session)
 // Parameters that say who asks are those of the session, whatever the client sent.
 ParameterArray withSession(ParameterArray parameters, const Session& session, int formId)
 {
+  const QString user = sentUser(parameters, session);
   ParameterArray own{
-      {QStringLiteral("User_Id"), session.userId},
+      {QStringLiteral("User_Id"), user},
       {QStringLiteral("Comp_Id"), session.companyId},
       {QStringLiteral("Bg_Id"), session.groupId},
       {QStringLiteral("isAdmin"), session.administrator() ? 1 : 0},
-      {QStringLiteral("Owner"), ownerKey(sentUser(parameters, session), session)},
+      {QStringLiteral("Owner"), ownerKey(user, session)},
   };
   constexpr int settingsQuery = 487;
   if (formId == settingsQuery) {

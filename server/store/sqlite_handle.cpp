@@ -106,6 +106,9 @@ int authorizeReading(void*, int action, const char* first, const char*, const ch
     case SQLITE_RECURSIVE:
     case SQLITE_TRANSACTION:
     case SQLITE_SAVEPOINT: return SQLITE_OK;
+    // SQLite asks this when a statement first names one of its own table-valued pragmas; nothing is written, and
+    // defensive mode keeps the schema from being written by text.
+    case SQLITE_UPDATE: return first && std::strcmp(first, "sqlite_master") == 0 ? SQLITE_OK : SQLITE_DENY;
     case SQLITE_PRAGMA:
       return first && (std::strcmp(first, "table_xinfo") == 0 || std::strcmp(first, "foreign_key_list") == 0)
                  ? SQLITE_OK : SQLITE_DENY;

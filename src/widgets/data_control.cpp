@@ -138,6 +138,22 @@ QColor DataControl::backgroundColor() const
   return readOnlyColor_.isValid() ? readOnlyColor_ : theme().readOnly;
 }
 
+void DataControl::applyBackground(const QList<QPalette::ColorRole>& roles)
+{
+  const QColor wanted = backgroundColor();
+  if (wanted == shownBackground_) {
+    return;
+  }
+  shownBackground_ = wanted;
+  QPalette colors;
+  if (wanted.isValid()) {
+    for (const QPalette::ColorRole role : roles) {
+      colors.setColor(role, wanted);
+    }
+  }
+  widget_->setPalette(colors);
+}
+
 void DataControl::refresh()
 {
   modified_ = false;
@@ -246,9 +262,37 @@ void DataControl::storeOrThrow()
   refresh();
 }
 
+void DataControl::tellRefusal(const QString& message, Telling when)
+{
+  if (telling_) {
+    return;
+  }
+  telling_ = true;
+  // The toolkit is in the middle of moving the focus; taking it back and talking come after that.
+  QTimer::singleShot(0, widget_, [this, message, when] {
+    telling_ = false;
+    if (when == Telling::AfterFocusMoved) {
+      if (refused_) {
+        widget_->setFocus(Qt::OtherFocusReason);
+      }
+      reportControlMessage(widget_, message);
+    }
+  });
+  if (when == Telling::Now) {
+    reportControlMessage(widget_, message);
+  }
+}
+
 bool DataControl::commit()
 {
-  return !modified_ || attempt(widget_, [this] { storeOrThrow(); });
+  if (!modified_) {
+    return true;
+  }
+  const Refusal refusal = runCaught([this] { storeOrThrow(); });
+  if (refusal.happened) {
+    tellRefusal(refusal.message, Telling::Now);
+  }
+  return !refusal.happened;
 }
 
 void DataControl::commitOnLeave(Qt::FocusReason reason)
@@ -259,16 +303,9 @@ void DataControl::commitOnLeave(Qt::FocusReason reason)
     return;
   }
   const Refusal refusal = runCaught([this] { storeOrThrow(); });
-  if (!refusal.happened) {
-    return;
+  if (refusal.happened) {
+    tellRefusal(refusal.message, Telling::AfterFocusMoved);
   }
-  // The toolkit is in the middle of moving the focus; taking it back and talking come after that.
-  QTimer::singleShot(0, widget_, [this, message = refusal.message] {
-    if (refused_) {
-      widget_->setFocus(Qt::OtherFocusReason);
-    }
-    reportControlMessage(widget_, message);
-  });
 }
 
 }  // namespace kalvor

@@ -65,18 +65,18 @@ void DataEdit::updateAccess()
   const TField* bound = field();
   const TypedKind kind = typedKind(bound);
   validator_->setKind(kind);
-  QLineEdit::setReadOnly(!canModify());
+  if (isReadOnly() == canModify()) {
+    QLineEdit::setReadOnly(!canModify());
+  }
   setAlignment((kind == TypedKind::Integer || kind == TypedKind::Real ? Qt::AlignRight : Qt::AlignLeft) |
                Qt::AlignVCenter);
   constexpr int toolkitLimit = 32767;
   const bool limited = kind == TypedKind::Text && bound && isTextType(bound->FieldDataType()) && bound->Size() > 0 &&
                        !bound->OnGetText && !bound->OnSetText;
-  setMaxLength(limited ? bound->Size() : toolkitLimit);
-  QPalette colors;
-  if (const QColor background = backgroundColor(); background.isValid()) {
-    colors.setColor(QPalette::Base, background);
+  if (const int limit = limited ? bound->Size() : toolkitLimit; limit != maxLength()) {
+    setMaxLength(limit);  // which would drop the selection
   }
-  setPalette(colors);
+  applyBackground({QPalette::Base});
 }
 
 void DataEdit::keyPressEvent(QKeyEvent* event)

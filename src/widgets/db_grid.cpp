@@ -34,14 +34,30 @@ TDBGrid::~TDBGrid() = default;
 
 void TDBGrid::connectModel()
 {
+  connect(model_, &QAbstractItemModel::modelReset, this, [this] { sampled_ = false; });
   connect(model_, &DatasetModel::fieldsChanged, this, &TDBGrid::arrangeColumns);
   connect(model_, &DatasetModel::cursorMoved, this, &TDBGrid::followCursor);
   connect(model_, &DatasetModel::recordsChanged, this, &TDBGrid::followRecords);
-  connect(model_, &DatasetModel::recordStateChanged, this, [this] { verticalHeader()->viewport()->update(); });
+  connect(model_, &DatasetModel::recordStateChanged, this, [this] { updateRow(currentIndex().row()); });
   connect(model_, &DatasetModel::focusRequested, this, [this](TField* field) {
     if (field && selectField(field->FieldName())) {
       setFocus(Qt::OtherFocusReason);
     }
+  });
+  // The toolkit's own reactions select columns and rows, and move the cursor to the first shown record.
+  for (QHeaderView* header : {static_cast<QHeaderView*>(header_), verticalHeader()}) {
+    disconnect(header, SIGNAL(sectionPressed(int)), this, nullptr);
+    disconnect(header, SIGNAL(sectionEntered(int)), this, nullptr);
+  }
+  connect(verticalHeader(), &QHeaderView::sectionPressed, this, [this](int row) {
+    if (currentIndex().isValid()) {
+      const Bookmark before = dataSet()->GetBookmark();
+      setCurrentIndex(model_->index(row, currentIndex().column()));
+      if (currentIndex().row() == row) {
+        markByMouse(row, QApplication::keyboardModifiers(), before);
+      }
+    }
+    setFocus(Qt::MouseFocusReason);
   });
   connect(header_, &QHeaderView::sectionClicked, this, [this](int section) {
     TField* field = model_->fieldAt(section);
@@ -143,9 +159,20 @@ void TDBGrid::followCursor()
     scrollTo(target);
   }
   if (previousRow != currentIndex().row()) {
-    viewport()->update();  // the tint of the whole row moves
-    verticalHeader()->viewport()->update();
+    updateRow(previousRow);  // the tint of the whole row moves
+    updateRow(currentIndex().row());
   }
+}
+
+void TDBGrid::updateRow(int row)
+{
+  if (row < 0 || row >= model_->rowCount()) {
+    return;
+  }
+  const int top = rowViewportPosition(row);
+  const int height = rowHeight(row);
+  viewport()->update(0, top, viewport()->width(), height);
+  verticalHeader()->viewport()->update(0, top, verticalHeader()->width(), height);
 }
 
 void TDBGrid::followRecords()
@@ -173,9 +200,7 @@ void TDBGrid::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomR
   // The toolkit would ask an open editor to read the value again; ours follow the field by themselves.
   if (topLeft.row() == bottomRight.row()) {
     growColumns(topLeft.row());
-    const int y = rowViewportPosition(topLeft.row());
-    viewport()->update(0, y, viewport()->width(), rowHeight(topLeft.row()));
-    verticalHeader()->viewport()->update(0, y, verticalHeader()->width(), rowHeight(topLeft.row()));
+    updateRow(topLeft.row());
   } else {
     viewport()->update();
   }
@@ -192,16 +217,21 @@ void TDBGrid::currentChanged(const QModelIndex& current, const QModelIndex& prev
     viewport()->update();
     return;
   }
+  // Taken first: scrolling to the cell may fetch records, and the cursor is then shown in this column.
+  TField* field = current.isValid() && !model_->isSyncing() ? model_->fieldAt(current.column()) : nullptr;
+  const bool entered = field && field->FieldName() != currentName_;
+  if (entered) {
+    currentName_ = field->FieldName();
+  }
   QTableView::currentChanged(current, previous);
   if (current.row() != previous.row()) {
-    viewport()->update();
+    updateRow(previous.row());
+    updateRow(current.row());
   }
   if (!current.isValid() || model_->isSyncing()) {
     return;
   }
-  TField* field = model_->fieldAt(current.column());
-  if (field && field->FieldName() != currentName_) {
-    currentName_ = field->FieldName();
+  if (entered) {
     emit columnEntered(field);
   }
   if (byUser && dataSet() && current.row() != dataSet()->RecNo() - 1) {

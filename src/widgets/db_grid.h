@@ -1,6 +1,7 @@
 // The data grid.
 #pragma once
 
+#include <QPointer>
 #include <QSet>
 #include <QTableView>
 #include <optional>
@@ -87,7 +88,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
 
   // --- Editing in place -----------------------------------------------------------------------------------
   bool editCell();          // opens the editor of the current cell
-  QWidget* cellEditor() const;  // the open one, or null
+  QWidget* cellEditor() const { return editor_; }  // the open one, or null
   bool commitCell();        // writes what is in it; false when the field refused it
   void closeCell();         // closes it without writing
   bool toggleCell(const QModelIndex& index);  // of a check-box column
@@ -112,6 +113,8 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   bool focusNextPrevChild(bool next) override;
   void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles = {}) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -119,6 +122,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   virtual void columnsArranged() {}  // widths, order or visibility changed
   virtual void recordsShown() {}     // other records or other values
   void growColumn(const QString& fieldName, int needed);  // unless the user gave it a width
+  QList<int> shownColumns() const;   // model columns, left to right
   GridHeader* header() const { return header_; }
 
  private:
@@ -144,10 +148,10 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   int textWidth(int row, int column) const;  // that a cell needs
   void growColumns(int row);
   int characterPixels(int characters) const;
-  QList<int> shownColumns() const;  // model columns, left to right
   bool selectFrom(int position, int step, bool skipReadOnly);
   void followCursor();
   void followRecords();
+  void updateRow(int row);
   void showSortMark();
   bool editableNow() const;
   bool tabKey(bool forward);
@@ -155,11 +159,13 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   bool commandKey(QKeyEvent* event);
   bool editingKey(QKeyEvent* event);
   bool moveRecord(const std::function<void()>& move);
+  bool markByMouse(int row, Qt::KeyboardModifiers modifiers, Bookmark before);
   void extendMarks(Bookmark from);
   void markRange(qsizetype from, qsizetype to);
 
   DatasetModel* model_;
   GridHeader* header_;
+  QPointer<QWidget> editor_;            // of the cell being edited
   QString dataSetName_;
   QHash<QString, ColumnState> states_;  // by lower-case field name
   QStringList order_;                   // lower-case names, left to right, once somebody has moved one

@@ -9,20 +9,24 @@ bool TDBGrid::editableNow() const
          canEditField(selectedField());
 }
 
-bool TDBGrid::editCell()
+// Keys and input methods come here too, whatever the model says may be edited.
+bool TDBGrid::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
 {
-  if (!editableNow()) {
-    return false;
-  }
-  if (stateOf(selectedField()).editor.kind == CellEditorKind::CheckBox) {
-    return false;
-  }
-  return cellEditor() || QTableView::edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
+  return index == currentIndex() && editableNow() &&
+         stateOf(selectedField()).editor.kind != CellEditorKind::CheckBox && QTableView::edit(index, trigger, event);
 }
 
-QWidget* TDBGrid::cellEditor() const
+bool TDBGrid::editCell()
 {
-  return indexWidget(currentIndex());
+  return editor_ || edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
+}
+
+void TDBGrid::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
+{
+  if (editor == editor_) {
+    editor_ = nullptr;
+    QTableView::closeEditor(editor, hint);
+  }
 }
 
 bool TDBGrid::commitCell()
@@ -33,12 +37,13 @@ bool TDBGrid::commitCell()
 
 void TDBGrid::closeCell()
 {
-  if (QWidget* editor = cellEditor()) {
-    if (DataControl* control = DataControl::of(editor)) {
-      control->revert();
-    }
-    closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+  if (!editor_) {
+    return;
   }
+  if (DataControl* control = DataControl::of(editor_)) {
+    control->revert();
+  }
+  closeEditor(editor_, QAbstractItemDelegate::RevertModelCache);
 }
 
 bool TDBGrid::toggleCell(const QModelIndex& index)

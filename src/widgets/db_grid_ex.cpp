@@ -1,10 +1,14 @@
 #include "widgets/db_grid_ex.h"
 
 #include <QHeaderView>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 
 #include "widgets/grid_footer.h"
+#include "widgets/grid_header.h"
+#include "widgets/theme.h"
 
 namespace kalvor {
 
@@ -33,6 +37,60 @@ void TDBGridEx::setFooterText(const QString& fieldName, const QString& text)
 void TDBGridEx::setFixedColumns(int count)
 {
   fixedColumns_ = qMax(0, count);
+  columnsArranged();
+  viewport()->update();
+}
+
+QRect TDBGridEx::visualRect(const QModelIndex& index) const
+{
+  QRect result = TDBGrid::visualRect(index);
+  if (result.isValid() && header()->isFixed(index.column())) {
+    result.moveLeft(header()->leftOf(index.column()));
+  }
+  return result;
+}
+
+QModelIndex TDBGridEx::indexAt(const QPoint& point) const
+{
+  const int column = header()->fixedSectionAt(point.x());
+  return column < 0 ? TDBGrid::indexAt(point) : model()->index(rowAt(point.y()), column);
+}
+
+void TDBGridEx::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+  if (header()->isFixed(index.column())) {
+    // Only up and down: the column is in sight already.
+    const int sideways = horizontalScrollBar()->value();
+    TDBGrid::scrollTo(index, hint);
+    horizontalScrollBar()->setValue(sideways);
+    return;
+  }
+  TDBGrid::scrollTo(index, hint);
+  const int covered = header()->fixedWidth() - header()->leftOf(index.column());
+  if (covered > 0) {
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() - covered);
+  }
+}
+
+void TDBGridEx::paintEvent(QPaintEvent* event)
+{
+  TDBGrid::paintEvent(event);
+  const int width = header()->fixedWidth();
+  if (width == 0 || event->rect().left() >= width) {
+    return;
+  }
+  QPainter painter(viewport());
+  QStyleOptionViewItem option;
+  initViewItemOption(&option);
+  const int last = rowAt(event->rect().bottom());
+  for (int row = rowAt(event->rect().top()); row >= 0 && row <= (last < 0 ? model()->rowCount() - 1 : last); ++row) {
+    for (const int column : shownColumns().first(qMin(fixedColumns_, shownColumnCount()))) {
+      const QModelIndex index = model()->index(row, column);
+      option.rect = visualRect(index);
+      itemDelegate()->paint(&painter, option, index);
+    }
+  }
+  painter.fillRect(width - 1, 0, 1, viewport()->height(), theme().line);
 }
 
 void TDBGridEx::updateGeometries()
@@ -65,11 +123,16 @@ void TDBGridEx::scrollContentsBy(int dx, int dy)
   TDBGrid::scrollContentsBy(dx, dy);
   if (dx != 0) {
     footer_->update();
+    if (fixedColumns_ > 0) {
+      viewport()->update();  // the toolkit moved the fixed columns' pixels too
+      updateEditorGeometries();
+    }
   }
 }
 
 void TDBGridEx::columnsArranged()
 {
+  header()->setFixedSections(shownColumns().first(qMin(fixedColumns_, shownColumnCount())));
   footer_->update();
 }
 

@@ -24,12 +24,19 @@ class KALVOR_WIDGETS TDBGridEx : public TDBGrid {
   void setFixedColumns(int count);
   int fixedColumns() const { return fixedColumns_; }
 
+  QRect visualRect(const QModelIndex& index) const override;
+  QModelIndex indexAt(const QPoint& point) const override;
+  void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void updateGeometries() override;
   void scrollContentsBy(int dx, int dy) override;
   void columnsArranged() override;
 
  private:
+  friend class TGridFooter;
+
   TGridFooter* footer_;
   int fixedColumns_ = 0;
   bool placing_ = false;

@@ -23,7 +23,7 @@ void TDBGrid::setMarked(qsizetype row, bool on)
   } else {
     marks_.remove(record);
   }
-  viewport()->update();
+  updateRow(int(row));
   emit marksChanged();
 }
 
@@ -83,6 +83,21 @@ void TDBGrid::extendMarks(Bookmark from)
   if (start >= 0 && dataSet()->RecNo() > 0) {
     markRange(start, dataSet()->RecNo() - 1);
   }
+}
+
+bool TDBGrid::markByMouse(int row, Qt::KeyboardModifiers modifiers, Bookmark before)
+{
+  if (multiSelect_ && modifiers.testFlag(Qt::ControlModifier)) {
+    setMarked(row, !isMarked(row));
+    anchor_ = dataSet()->GetBookmark();
+    return true;
+  }
+  if (multiSelect_ && modifiers.testFlag(Qt::ShiftModifier)) {
+    extendMarks(before);
+    return true;
+  }
+  clearMarks();
+  return false;
 }
 
 QString TDBGrid::copyText(bool withHeaders) const

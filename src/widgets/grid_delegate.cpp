@@ -1,10 +1,12 @@
 #include "widgets/grid_delegate.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOption>
 #include <QTimer>
+#include <QToolTip>
 
 #include "widgets/db_combo_box.h"
 #include "widgets/db_date_edit.h"
@@ -48,6 +50,16 @@ QRect GridDelegate::buttonRect(const QRect& cell)
 QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const
 {
   return QSize(64, textLineHeight(option.fontMetrics));
+}
+
+// Shaping a text to learn its width costs as much as drawing it; most cells are plainly wide enough.
+QString GridDelegate::elided(const QString& text, const QStyleOptionViewItem& option, int width) const
+{
+  if (widestLetter_ == 0 || measuredFont_ != option.font) {
+    measuredFont_ = option.font;
+    widestLetter_ = option.fontMetrics.horizontalAdvance(u'Щ');
+  }
+  return text.size() * widestLetter_ <= width ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, width);
 }
 
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
@@ -101,7 +113,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setPen(colors.text);
     painter->setFont(option.font);
     painter->drawText(textRect, int(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      option.fontMetrics.elidedText(text, Qt::ElideRight, textRect.width()));
+                      elided(text, option, textRect.width()));
   }
   if (colors.current) {
     const bool active = grid_->hasFocus() || grid_->isAncestorOf(QApplication::focusWidget());
@@ -109,6 +121,18 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(active ? option.rect.adjusted(1, 1, -1, -1) : option.rect.adjusted(0, 0, -1, -1));
   }
+}
+
+bool GridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem&,
+                             const QModelIndex& index)
+{
+  if (event->type() != QEvent::ToolTip) {
+    return false;
+  }
+  const bool cut = index.isValid() && grid_->textWidth(index.row(), index.column()) - spacing::tight >
+                                          grid_->visualRect(index).width();
+  cut ? QToolTip::showText(event->globalPos(), grid_->cellText(index), view) : QToolTip::hideText();
+  return true;
 }
 
 QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const
@@ -151,6 +175,7 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
     control->setDataSet(grid_->dataSet());
     control->setDataField(field->FieldName());
   }
+  grid_->editor_ = editor;
   return editor;
 }
 
@@ -223,7 +248,7 @@ bool GridDelegate::eventFilter(QObject* watched, QEvent* event)
         QWidget* focus = QApplication::focusWidget();
         const DataControl* control = DataControl::of(editor);
         const bool elsewhere = focus && focus != editor && !editor->isAncestorOf(focus) && !QApplication::activePopupWidget();
-        if (elsewhere && (!control || !control->isPending())) {
+        if (elsewhere && editor == grid_->cellEditor() && (!control || !control->isPending())) {
           emit closeEditor(editor, NoHint);
         }
       });

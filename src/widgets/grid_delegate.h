@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QAbstractItemDelegate>
+#include <QFont>
 
 namespace kalvor {
 
@@ -20,6 +21,10 @@ class GridDelegate : public QAbstractItemDelegate {
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+  // The whole text of a cell that is too narrow for it; nothing over the others.
+  bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) override;
+
   static QRect buttonRect(const QRect& cell);  // where the mark of a drop-down or selector stands
 
  protected:
@@ -27,8 +32,11 @@ class GridDelegate : public QAbstractItemDelegate {
 
  private:
   bool editorKey(QWidget* editor, QKeyEvent* event);
+  QString elided(const QString& text, const QStyleOptionViewItem& option, int width) const;
 
   TDBGrid* grid_;
+  mutable QFont measuredFont_;
+  mutable int widestLetter_ = 0;  // of that font
 };
 
 }  // namespace kalvor

@@ -1,9 +1,9 @@
 #include "widgets/grid_footer.h"
 
-#include <QHeaderView>
 #include <QPainter>
 
 #include "widgets/db_grid_ex.h"
+#include "widgets/grid_header.h"
 #include "widgets/theme.h"
 
 namespace kalvor {
@@ -51,16 +51,18 @@ void TGridFooter::paintEvent(QPaintEvent*)
   bold.setBold(true);
   painter.setFont(bold);
   const QFontMetrics metrics(bold);
-  const QHeaderView* header = grid_->horizontalHeader();
+  const GridHeader* header = grid_->header();
   const int left = grid_->viewport()->x() - x();
-  painter.setClipRect(QRect(left, 0, grid_->viewport()->width(), height()));
+  const int fixed = header->fixedWidth();
+  const QRect whole(left, 0, grid_->viewport()->width(), height());
   for (int column = 0; column < header->count(); ++column) {
     const TField* field = grid_->datasetModel()->fieldAt(column);
     const QString shown = field ? text(field->FieldName()) : QString();
     if (shown.isEmpty() || header->isSectionHidden(column)) {
       continue;
     }
-    const QRect cell(left + header->sectionViewportPosition(column), 0, header->sectionSize(column), height());
+    painter.setClipRect(header->isFixed(column) ? whole : whole.adjusted(fixed, 0, 0, 0));
+    const QRect cell(left + header->leftOf(column), 0, header->sectionSize(column), height());
     const QRect inside = cell.adjusted(spacing::cellPadding, 1, -spacing::cellPadding - 1, 0);
     painter.setPen(shown.startsWith(u'-') ? theme().negative : palette().color(QPalette::WindowText));
     painter.drawText(inside, int(grid_->columnAlignment(column) | Qt::AlignVCenter),

@@ -83,6 +83,42 @@ void GridHeader::paintEvent(QPaintEvent* event)
   painter.fillRect(rest, titleColor_.isValid() ? titleColor_ : theme().title);
   painter.setPen(theme().line);
   painter.drawLine(rest.bottomLeft(), rest.bottomRight());
+  if (fixedWidth() > 0) {
+    for (const int section : std::as_const(fixedSections_)) {
+      paintSection(&painter, QRect(leftOf(section), 0, sectionSize(section), viewport()->height()), section);
+    }
+    painter.fillRect(fixedWidth() - 1, 0, 1, viewport()->height(), theme().line);
+  }
+}
+
+void GridHeader::setFixedSections(const QList<int>& sections)
+{
+  if (fixedSections_ != sections) {
+    fixedSections_ = sections;
+    viewport()->update();
+  }
+}
+
+int GridHeader::fixedWidth() const
+{
+  int width = 0;
+  if (offset() > 0) {
+    for (const int section : fixedSections_) {
+      width += sectionSize(section);
+    }
+  }
+  return width;
+}
+
+int GridHeader::leftOf(int section) const
+{
+  // Fixed sections are the first ones: their places without scrolling are where they stay.
+  return isFixed(section) ? sectionPosition(section) : sectionViewportPosition(section);
+}
+
+int GridHeader::fixedSectionAt(int x) const
+{
+  return x < fixedWidth() ? logicalIndexAt(x - offset()) : -1;
 }
 
 QSize GridHeader::sectionSizeFromContents(int section) const
@@ -91,8 +127,22 @@ QSize GridHeader::sectionSizeFromContents(int section) const
   return QSize(captionWidth(caption), textLineHeight(fontMetrics()) + 2);
 }
 
+void GridHeader::mousePressEvent(QMouseEvent* event)
+{
+  pressedFixed_ = event->button() == Qt::LeftButton ? fixedSectionAt(event->position().toPoint().x()) : -1;
+  if (pressedFixed_ < 0) {
+    QHeaderView::mousePressEvent(event);
+  }
+}
+
 void GridHeader::mouseReleaseEvent(QMouseEvent* event)
 {
+  if (const int pressed = std::exchange(pressedFixed_, -1); pressed >= 0) {
+    if (sectionsClickable() && fixedSectionAt(event->position().toPoint().x()) == pressed) {
+      emit sectionClicked(pressed);
+    }
+    return;
+  }
   QHeaderView::mouseReleaseEvent(event);
   if (std::exchange(changed_, false)) {
     emit layoutChangedByUser();

@@ -8,7 +8,8 @@ namespace kalvor {
 
 class DatasetModel;
 
-// Captions with the sort mark. Tells of moved and resized columns once, when the mouse button is let go.
+// Captions with the sort mark. Tells of moved and resized columns once, when the mouse button is let go. Fixed
+// sections stay at the left edge while the others scroll under them.
 class GridHeader : public QHeaderView {
   Q_OBJECT
  public:
@@ -16,6 +17,12 @@ class GridHeader : public QHeaderView {
   void setTitleColor(const QColor& color);
   QColor titleColor() const { return titleColor_; }
   void setSortMark(int section, Qt::SortOrder order);  // -1 = none
+
+  void setFixedSections(const QList<int>& sections);
+  int fixedWidth() const;           // that covers scrolled sections; 0 while nothing is scrolled
+  int leftOf(int section) const;    // in the viewport
+  int fixedSectionAt(int x) const;  // -1: none there
+  bool isFixed(int section) const { return fixedWidth() > 0 && fixedSections_.contains(section); }
 
   std::function<Qt::Alignment(int section)> alignmentOf;  // captions stand as their columns do
 
@@ -28,9 +35,12 @@ class GridHeader : public QHeaderView {
   void paintSection(QPainter* painter, const QRect& rect, int section) const override;
   void paintEvent(QPaintEvent* event) override;
   QSize sectionSizeFromContents(int section) const override;
+  void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
+  QList<int> fixedSections_;
+  int pressedFixed_ = -1;
   QColor titleColor_;
   int sortSection_ = -1;
   Qt::SortOrder sortOrder_ = Qt::AscendingOrder;

@@ -1,6 +1,8 @@
 // Records for the tests and the gallery of the widgets.
 #pragma once
 
+#include <QDateTime>
+
 #include "data/client_dataset.h"
 
 namespace kalvor::demo {

@@ -1,0 +1,61 @@
+#include "server/commands.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <cstdio>
+
+#include "server/demo/demo_company.h"
+#include "server/demo/init_command.h"
+#include "server/load/load_command.h"
+#include "server/log.h"
+#include "server/metadata/metadata_loader.h"
+#include "server/operations/passwords.h"
+#include "server/store/migrations.h"
+
+namespace kalvor::server {
+
+namespace {
+
+constexpr const char* usage =
+    "kalvor-server serve [--db FILE] [--port N] [--bind ADDRESS] [--plaintext]\n"
+    "    Serves the company in FILE; makes the demo company when there is no such file.\n"
+    "kalvor-server init [--db FILE] [--invoices N [--lines L] [--company ID]]\n"
+    "    Makes FILE with the demo company, or brings it to this version; then N more sale invoices for measuring.\n"
+    "kalvor-server load TABLE FILE.csv [--db FILE] [--company ID] [--user CODE] [--map COLUMN=FIELD ...]\n"
+    "    [--set FIELD=VALUE ...] [--lookup FIELD=TABLE.KEY:COLUMN ...] [--skip-existing]\n"
+    "    Loads a file of comma-separated values: all of it or nothing. --map COLUMN=- leaves a column out.\n";
+
+}  // namespace
+
+void prepareDatabase(const QString& fileName)
+{
+  QDir().mkpath(QFileInfo(fileName).absolutePath());
+  const auto connection = openSqlite(fileName, false);
+  migrate(*connection);
+  if (!hasCompanies(*connection)) {
+    logEvent(LogLevel::Info, "demo_company", {{"database", fileName}});
+    DemoOptions demo;
+    demo.hashDigest = hashDigest;
+    createDemoCompany(*connection, demo);
+    return;
+  }
+  Transaction transaction(*connection);
+  loadMetadata(*connection, embeddedMetadata(), ExistingRows::Keep);
+  transaction.commit();
+}
+
+int runCommand(const QStringList& arguments)
+{
+  const QString command = arguments.value(0);
+  if (command == u"init") {
+    return runInit(arguments.mid(1), hashDigest);
+  }
+  if (command == u"load") {
+    return runLoad(arguments.mid(1));
+  }
+  const bool asked = command == u"help" || command == u"--help";
+  std::fputs(usage, asked ? stdout : stderr);
+  return asked ? 0 : 2;
+}
+
+}  // namespace kalvor::server

@@ -1,0 +1,58 @@
+#include <QCoreApplication>
+#include <csignal>
+#include <cstdio>
+
+#include "server/commands.h"
+#include "server/load/command_line.h"
+#include "server/log.h"
+#include "server/server.h"
+
+namespace {
+
+using kalvor::server::CommandArguments;
+using kalvor::server::OptionKind;
+
+// Serves until the process is told to end.
+int serve(const QStringList& arguments, const sigset_t& endSignals)
+{
+  const CommandArguments line = kalvor::server::parseArguments(
+      arguments, {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
+                  {"--plaintext", OptionKind::Flag}});
+  kalvor::server::ServerOptions options;
+  options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabaseFile());
+  options.address = line.value(QStringLiteral("--bind"), options.address);
+  options.port = quint16(line.value(QStringLiteral("--port"), QString::number(options.port)).toUInt());
+  options.plaintext = line.has(QStringLiteral("--plaintext"));
+  kalvor::server::prepareDatabase(options.database);
+  kalvor::server::ApplicationServer server(options);
+  server.start();
+  std::printf("ready on %s:%u\n", qPrintable(options.address), unsigned(server.port()));
+  std::fflush(stdout);
+  int signal = 0;
+  sigwait(&endSignals, &signal);
+  server.stop();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+  // Before any thread is there, so that the signals reach sigwait alone.
+  sigset_t endSignals;
+  sigemptyset(&endSignals);
+  sigaddset(&endSignals, SIGTERM);
+  sigaddset(&endSignals, SIGINT);
+  pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+
+  const QCoreApplication application(argc, argv);
+  QCoreApplication::setApplicationName(QStringLiteral("kalvor"));
+  try {
+    const QStringList arguments = application.arguments().mid(1);
+    return arguments.value(0) == u"serve" ? serve(arguments.mid(1), endSignals) : kalvor::server::runCommand(arguments);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "kalvor-server: %s\n", error.what());
+    return 1;
+  }
+}
