@@ -202,7 +202,7 @@ void benchList(Workstation& station, BareDatabase& bare, double emptyCall, int i
   const double ours = medianMs(101, firstPage);
   const double page = medianMs(101, [&] {
     bare.readAll("SELECT D_SaleInvoiceHeader.Id, DocumentNo, DocumentDate, Contragent_Id, N_Contragent.Code, N_Contragent.Name, "
-                 "TotalValue, VATValue, TotalVAT, Currency_Id, DueDate, DocStatus, D_SaleInvoiceHeader.C_User_Id "
+                 "TotalValue, VATValue, TotalVAT, D_SaleInvoiceHeader.Currency_Id, DueDate, DocStatus, D_SaleInvoiceHeader.C_User_Id "
                  "FROM D_SaleInvoiceHeader LEFT JOIN N_Contragent ON N_Contragent.Id = D_SaleInvoiceHeader.Contragent_Id "
                  "WHERE D_SaleInvoiceHeader.Comp_Id = '1' "
                  "ORDER BY DocumentDate DESC, DocumentNo DESC, D_SaleInvoiceHeader.Id DESC LIMIT 32");

@@ -57,6 +57,7 @@ int runClient(QApplication& application, const ClientArguments& arguments)
   applyTheme(application, arguments.theme);
   MessagePrompt prompt;
   installUserPrompt(&prompt);
+  InitLog();
 
   int code = 0;
   {
@@ -85,6 +86,7 @@ int runClient(QApplication& application, const ClientArguments& arguments)
       session.UserLogOff();
     }
   }
+  CloseLog();
   installUserPrompt(nullptr);
   return code;
 }

@@ -51,6 +51,11 @@ void TourDriver::poll()
     Q_EMIT finished();
     return;
   }
+  // What a window manager does when a dialog closes.
+  if (!QApplication::activeWindow() && !dialog())
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (window->isVisible() && window->windowType() == Qt::Window)
+        window->activateWindow();
   if (steps_.front().ready && !steps_.front().ready()) {
     waitedMs_ += pollMs;
     if (waitedMs_ > patienceMs) {

@@ -5,6 +5,9 @@
 
 namespace kalvor {
 
+// Ends the process when the log-in window is painted.
+void addLogInTour(TourDriver& driver);
+
 // From log-in to a changed and saved invoice of the demo company, then the other forms.
 void addDemoTour(TourDriver& driver);
 

@@ -69,6 +69,7 @@ class TableLoader {
   Connection& connection_;
   const LoadRequest& request_;
   CsvReader reader_;
+  size_t fileColumns_ = 0;  // read with the header, before the columns are planned
   TableInfo table_;
   LoadColumns columns_;
   QStringList names_;
@@ -82,7 +83,6 @@ class TableLoader {
   int key_ = -1;
   int auditUser_ = -1;
   int auditTime_ = -1;
-  size_t fileColumns_ = 0;
 };
 
 QStringList TableLoader::readHeader()

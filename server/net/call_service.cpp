@@ -115,7 +115,7 @@ Variant CallService::runTransactionCall(PeerState& peer, Frame& frame, const Ope
   if (lost && !starts) {
     throw lostTransaction();
   }
-  if (starts == peer.inTransaction) {
+  if (peer.session.loggedIn() && starts == peer.inTransaction) {
     throw RpcError(RpcError::Refused, starts ? QStringLiteral("Вече има започната транзакция.")
                                              : QStringLiteral("Няма започната транзакция."));
   }

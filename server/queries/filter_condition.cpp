@@ -82,6 +82,19 @@ QString prefixLimit(const QString& prefix)
   return limit;
 }
 
+// "%" and "*" stand for any text, every other character for itself.
+QString likePattern(const QString& text)
+{
+  QString pattern;
+  for (const QChar character : text) {
+    if (character == u'_' || character == u'!') {
+      pattern += u'!';
+    }
+    pattern += character == u'*' ? QChar(u'%') : character;
+  }
+  return pattern;
+}
+
 Fragment likeCondition(const ResolvedField& field, const Variant& value)
 {
   if (isNull(value)) {
@@ -90,18 +103,22 @@ Fragment likeCondition(const ResolvedField& field, const Variant& value)
   if (isRealType(field.type) || field.type == DataType::Boolean || field.type == DataType::Blob) {
     refuseValue(field, value);
   }
-  const QString pattern = withoutQuotes(variantText(value));
-  const Fragment like = comparison(asText(field), "LIKE", pattern);
+  QString text = withoutQuotes(variantText(value));
+  if (!text.contains(u'%') && !text.contains(u'*')) {
+    // What a lookup searches for comes as it was typed: the beginning of a code or a name, or nothing at all.
+    text += u'%';
+  }
+  const Fragment like = comparison(asText(field), "LIKE", likePattern(text)) + QStringLiteral(" ESCAPE '!'");
   qsizetype plain = 0;
-  while (plain < pattern.size() && pattern.at(plain) != u'%' && pattern.at(plain) != u'_') {
+  while (plain < text.size() && text.at(plain) != u'%' && text.at(plain) != u'*') {
     ++plain;
   }
-  const QString limit = plain > 0 ? prefixLimit(pattern.left(plain)) : QString();
+  const QString limit = plain > 0 ? prefixLimit(text.left(plain)) : QString();
   if (limit.isEmpty() || !isTextType(field.type) || field.type == DataType::Unknown) {
     return like;
   }
   // The range lets an index find the texts that begin so.
-  return allOf({comparison(field.expression, ">=", pattern.left(plain)), comparison(field.expression, "<", limit), like});
+  return allOf({comparison(field.expression, ">=", text.left(plain)), comparison(field.expression, "<", limit), like});
 }
 
 Fragment inCondition(const ResolvedField& field, const Variant& value)

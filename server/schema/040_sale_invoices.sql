@@ -92,5 +92,4 @@ CREATE TABLE D_SaleInvoiceLine (
   ReturnedQty         AMOUNT DEFAULT 0,
   SrcLine_Id          VARCHAR(32)
 );
-CREATE INDEX IX_D_SaleInvoiceLine_Master ON D_SaleInvoiceLine (Master_Id, Line_No, Id);
-CREATE INDEX IX_D_SaleInvoiceLine_Code ON D_SaleInvoiceLine (Comp_Id, Code);
+CREATE INDEX IX_D_SaleInvoiceLine_Master ON D_SaleInvoiceLine (Master_Id, Line_No);

@@ -2,6 +2,7 @@
 
 #include <QChar>
 #include <QString>
+#include <QtEndian>
 #include <array>
 
 namespace kalvor {
@@ -100,37 +101,88 @@ int compareText(QStringView a, QStringView b)
   }
 }
 
-quint64 collationPrefix(QStringView text)
+void appendWeights(QStringView text, std::vector<quint8>& weights)
 {
   const CollationTables& t = tables();
-  quint64 prefix = 0;
-  int filled = 0;
   for (QChar c : text) {
     const quint32 weight = primaryWeight(t, c.unicode());
     if (weight == 0)
       continue;
-    prefix = prefix << 8 | weight >> 16;
-    ++filled;
-    // What follows an "other" character is compared by its code first, which has no room here.
-    if (filled == 8 || weight >> 16 == otherWeight)
-      break;
+    weights.push_back(quint8(weight >> 16));
+    if (weight >> 16 != otherWeight)
+      continue;
+    const quint32 code = weight & 0xFFFF;
+    for (const quint32 part : {code / (254 * 254), code / 254 % 254, code % 254})
+      weights.push_back(quint8(part + 1));
   }
-  return filled == 0 ? 0 : prefix << (8 * (8 - filled));
+}
+
+quint64 weightPrefix(const quint8* weights, size_t count)
+{
+  if (count >= 8)
+    return qFromBigEndian<quint64>(weights);
+  quint64 prefix = 0;
+  for (size_t i = 0; i < count; ++i)
+    prefix |= quint64(weights[i]) << (56 - 8 * i);
+  return prefix;
 }
 
 char16_t foldedCharacter(char16_t c)
 {
   if (c < tableSize)
     return tables().folded[c];
+  // Signs that only look like letters of the table (the kelvin sign) stay what they are.
   const char32_t folded = QChar::toCaseFolded(char32_t(c));
-  return folded < 0x10000 && !QChar::isSurrogate(c) ? char16_t(folded) : c;
+  return folded >= tableSize && folded < 0x10000 && !QChar::isSurrogate(c) ? char16_t(folded) : c;
 }
+
+namespace {
+
+// ASCII and the modern Cyrillic letters by arithmetic alone, which the compiler turns into vector instructions.
+// False: something else is among them, and the result is not to be used.
+bool foldPlain(const char16_t* from, qsizetype length, char16_t* to)
+{
+  quint16 strange = 0;
+  for (qsizetype i = 0; i < length; ++i) {
+    const quint16 c = from[i];
+    const quint16 latin = quint16(c - u'A') < 26 ? 0x20 : 0;
+    const quint16 basic = quint16(c - 0x410) < 0x20 ? 0x20 : 0;
+    const quint16 further = quint16(c - 0x400) < 0x10 ? 0x50 : 0;
+    const quint16 known = quint16(c - 0x400) < 0x60 || c < 0x80 ? 0 : 1;
+    strange |= known;
+    to[i] = char16_t(c + latin + basic + further);
+  }
+  return strange == 0;
+}
+
+}  // namespace
 
 void foldText(const char16_t* from, qsizetype length, char16_t* to)
 {
+  constexpr qsizetype chunk = 128;
   const CollationTables& t = tables();
-  for (qsizetype i = 0; i < length; ++i)
-    to[i] = from[i] < tableSize ? t.folded[from[i]] : foldedCharacter(from[i]);
+  for (qsizetype start = 0; start < length; start += chunk) {
+    const qsizetype end = qMin(length, start + chunk);
+    if (foldPlain(from + start, end - start, to + start))
+      continue;
+    for (qsizetype i = start; i < end; ++i)
+      to[i] = from[i] < tableSize ? t.folded[from[i]] : foldedCharacter(from[i]);
+  }
+}
+
+std::vector<char16_t> charactersFoldedTo(char16_t folded)
+{
+  std::vector<char16_t> found;
+  if (folded < tableSize) {
+    for (char16_t c = 0; c < tableSize; ++c)
+      if (tables().folded[c] == folded)
+        found.push_back(c);
+  } else {
+    for (char32_t c = tableSize; c < 0x10000; ++c)
+      if (foldedCharacter(char16_t(c)) == folded)
+        found.push_back(char16_t(c));
+  }
+  return found;
 }
 
 QString foldedText(QStringView text)

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <QStringView>
+#include <vector>
 
 #include "layer_export.h"
 
@@ -13,11 +14,14 @@ namespace kalvor {
 
 // Below, at or above 0.
 KALVOR_DATA int compareText(QStringView a, QStringView b);
-// The first weights as a number: texts of different numbers are in the order of the numbers.
-quint64 collationPrefix(QStringView text);
+// The weights as bytes, none of them 0: texts are in the order of their bytes.
+void appendWeights(QStringView text, std::vector<quint8>& weights);
+// The first eight of them as a number, 0 after the end.
+quint64 weightPrefix(const quint8* weights, size_t count);
 
 // One character without its case; texts fold character by character.
 char16_t foldedCharacter(char16_t c);
+std::vector<char16_t> charactersFoldedTo(char16_t folded);
 void foldText(const char16_t* from, qsizetype length, char16_t* to);
 QString foldedText(QStringView text);
 bool equalFolded(QStringView a, QStringView b);

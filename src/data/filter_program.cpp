@@ -1,6 +1,5 @@
 #include "data/filter_program.h"
 
-#include <cstring>
 #include <functional>
 
 #include "data/collation.h"
@@ -55,7 +54,8 @@ FilterProgramPtr leaf(Evaluator evaluator)
 FilterProgramPtr constantLeaf(bool passes)
 {
   return leaf([passes](const RecordSet&, qsizetype first, qsizetype last, quint8* mask) {
-    std::memset(mask, passes ? 1 : 0, size_t(last - first));
+    for (qsizetype row = first; row < last; ++row)
+      mask[row - first] = passes;
   });
 }
 
@@ -173,8 +173,10 @@ class FilterCompiler {
     if (isNull(*converted))
       return compareWithNull(field.column, op);
     switch (storageOf(field.type)) {
-      case StorageKind::Integer:
-        return leaf(numberEvaluator<qint64>(op, field.column, storedInteger(field.type, *converted), &Column::integers));
+      case StorageKind::Integer: {
+        const qint64 wanted = storedInteger(field.type, *converted);
+        return leaf(numberEvaluator<qint64>(op, field.column, wanted, &Column::integers));
+      }
       case StorageKind::Real:
         return leaf(numberEvaluator<double>(op, field.column, converted->toDouble(), &Column::reals));
       default: {

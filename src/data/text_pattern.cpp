@@ -1,7 +1,6 @@
 #include "data/text_pattern.h"
 
 #include <QVarLengthArray>
-#include <cstring>
 
 #include "data/collation.h"
 
@@ -35,6 +34,55 @@ TextPattern::TextPattern(const QString& pattern, bool caseInsensitive)
     shape_ = openStart ? Shape::EndsWith : openEnd ? Shape::StartsWith : Shape::Equals;
   pattern_ = core;
   finder_.setPattern(core);
+  if (shape_ == Shape::Contains)
+    findProbes();
+}
+
+void TextPattern::findProbes()
+{
+  const auto probeAt = [this](qsizetype offset) {
+    const char16_t c = pattern_[offset].unicode();
+    const std::vector<char16_t> forms = caseInsensitive_ ? charactersFoldedTo(c) : std::vector<char16_t>{c};
+    return forms.size() > 2 ? Probe{} : Probe{offset, forms.front(), forms.back()};
+  };
+  for (qsizetype i = 0; i < pattern_.size() && probes_[0].offset < 0; ++i)
+    probes_[0] = probeAt(i);
+  for (qsizetype i = pattern_.size() - 1; i >= 0 && probes_[1].offset < 0; --i)
+    probes_[1] = probeAt(i);
+}
+
+// Where the pattern stands next in a text as it is written, -1 for nowhere. Needs the probes.
+qsizetype TextPattern::nextIn(QStringView text, qsizetype from) const
+{
+  constexpr qsizetype block = 64;
+  const Probe a = probes_[0];
+  const Probe b = probes_[1];
+  const qsizetype last = text.size() - pattern_.size();
+  const auto isHere = [&](qsizetype at) {
+    const QStringView here = text.mid(at, pattern_.size());
+    return caseInsensitive_ ? equalFolded(here, pattern_) : here == pattern_;
+  };
+  const char16_t* const characters = text.utf16();
+  for (qsizetype start = from; start <= last; start += block) {
+    const char16_t* const atA = characters + start + a.offset;
+    const char16_t* const atB = characters + start + b.offset;
+    quint16 hits[block];
+    quint16 any = 0;
+    if (start + block - 1 <= last) {
+      for (qsizetype i = 0; i < block; ++i) {
+        const quint16 hitA = quint16(atA[i] == a.lower) | quint16(atA[i] == a.upper);
+        const quint16 hitB = quint16(atB[i] == b.lower) | quint16(atB[i] == b.upper);
+        hits[i] = hitA & hitB;
+        any |= hits[i];
+      }
+      if (!any)
+        continue;
+    }
+    for (qsizetype i = 0; i < block && start + i <= last; ++i)
+      if ((start + block - 1 > last || hits[i]) && isHere(start + i))
+        return start + i;
+  }
+  return -1;
 }
 
 bool TextPattern::matches(QStringView text) const
@@ -97,7 +145,7 @@ void TextPattern::matchColumn(const Column& column, qsizetype first, qsizetype l
   }
 }
 
-// Texts that stand in the arena one after the other are folded and searched in one go. False: they do not.
+// Texts that stand in the arena one after the other are searched in one go. False: they do not.
 bool TextPattern::scanArena(const Column& column, qsizetype first, qsizetype last, quint8* mask) const
 {
   const std::vector<Column::TextSpan>& spans = column.spans();
@@ -106,6 +154,7 @@ bool TextPattern::scanArena(const Column& column, qsizetype first, qsizetype las
   quint64 used = 0;
   for (qsizetype row = first; row < last; ++row) {
     const Column::TextSpan span = spans[size_t(row)];
+    mask[row - first] = 0;
     if (span.length == 0)
       continue;
     if (span.start < end)
@@ -115,7 +164,6 @@ bool TextPattern::scanArena(const Column& column, qsizetype first, qsizetype las
     end = quint64(span.start) + span.length;
     used += span.length;
   }
-  std::memset(mask, 0, size_t(last - first));
   if (used == 0)
     return true;
   if (end - begin > used * 2)
@@ -123,17 +171,21 @@ bool TextPattern::scanArena(const Column& column, qsizetype first, qsizetype las
 
   const char16_t* source = column.characters().data() + begin;
   const qsizetype length = qsizetype(end - begin);
-  QVarLengthArray<char16_t, 65536> folded;
-  if (caseInsensitive_) {
+  const bool probed = probes_[0].offset >= 0;
+  QVarLengthArray<char16_t, 4096> folded;
+  if (!probed && caseInsensitive_) {
     folded.resize(length);
     foldText(source, length, folded.data());
     source = folded.data();
   }
   const QStringView text(source, length);
+  const auto find = [&](qsizetype from) { return probed ? nextIn(text, from) : finder_.indexIn(text, from); };
   qsizetype row = first;
-  qsizetype at = finder_.indexIn(text);
+  qsizetype at = find(0);
   while (at >= 0) {
-    const auto endOf = [&](qsizetype r) { return qint64(spans[size_t(r)].start) + spans[size_t(r)].length - qint64(begin); };
+    const auto endOf = [&](qsizetype r) {
+      return qint64(spans[size_t(r)].start) + spans[size_t(r)].length - qint64(begin);
+    };
     while (row < last && (spans[size_t(row)].length == 0 || endOf(row) <= at))
       ++row;
     if (row == last)
@@ -141,7 +193,7 @@ bool TextPattern::scanArena(const Column& column, qsizetype first, qsizetype las
     const qint64 start = qint64(spans[size_t(row)].start) - qint64(begin);
     const bool inside = at >= start && at + pattern_.size() <= endOf(row);
     mask[row - first] |= quint8(inside);
-    at = finder_.indexIn(text, inside ? qsizetype(endOf(row)) : at + 1);
+    at = find(inside ? qsizetype(endOf(row)) : at + 1);
   }
   return true;
 }

@@ -58,9 +58,8 @@ void RemoveFilterLinesWithFieldRels(QString& filterText)
 {
   const QString separator = QStringLiteral("&");
   QStringList kept;
-  const int count = GetItemsCountInList(filterText, separator);
-  for (int i = 0; i < count; ++i)
-    if (const QString part = GetItemAtPos(filterText, separator, i); !part.contains(QStringLiteral("<#Field(")))
+  for (const QString& part : filterText.split(separator).mid(0, GetItemsCountInList(filterText, separator)))
+    if (!part.contains(QStringLiteral("<#Field(")))
       kept.append(part);
   filterText = kept.join(separator);
 }

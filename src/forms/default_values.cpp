@@ -41,24 +41,24 @@ std::optional<Variant> masterValue(const MacroContext& context, const QString& f
   return field ? std::optional<Variant>(field->Value()) : std::nullopt;
 }
 
+using MacroResult = std::optional<Variant>;
+
 struct DefaultMacroRow {
   const char16_t* macro;
-  std::optional<Variant> (*value)(const TField*, const MacroContext&);
+  MacroResult (*value)(const TField*, const MacroContext&);
 };
 constexpr DefaultMacroRow defaultMacros[] = {
-    {u"<#AUTOGENERATE_ID#>", [](const TField*, const MacroContext&) { return std::optional<Variant>(CreateUniqueID()); }},
-    {u"<#CURRENTCOMPANY#>",
-     [](const TField*, const MacroContext& c) { return std::optional<Variant>(c.session->CompanyId); }},
-    {u"<#CURRENTBGROUP#>",
-     [](const TField*, const MacroContext& c) { return std::optional<Variant>(c.session->BGroupId); }},
-    {u"<#CURRENTUSER#>", [](const TField*, const MacroContext& c) { return std::optional<Variant>(c.session->UserId); }},
-    {u"<#CURRENTDATE#>", [](const TField* f, const MacroContext&) { return std::optional<Variant>(currentDateFor(f)); }},
-    {u"<#CURRENTTIME#>", [](const TField* f, const MacroContext&) { return std::optional<Variant>(currentTimeFor(f)); }},
-    {u"<#CURRENTDATETIME#>",
-     [](const TField* f, const MacroContext&) { return std::optional<Variant>(currentDateTimeFor(f)); }},
-    {u"<#MASTERID#>", [](const TField*, const MacroContext& c) { return masterValue(c, QStringLiteral("Id")); }},
+    {u"<#AUTOGENERATE_ID#>", [](const TField*, const MacroContext&) -> MacroResult { return CreateUniqueID(); }},
+    {u"<#CURRENTCOMPANY#>", [](const TField*, const MacroContext& c) -> MacroResult { return c.session->CompanyId; }},
+    {u"<#CURRENTBGROUP#>", [](const TField*, const MacroContext& c) -> MacroResult { return c.session->BGroupId; }},
+    {u"<#CURRENTUSER#>", [](const TField*, const MacroContext& c) -> MacroResult { return c.session->UserId; }},
+    {u"<#CURRENTDATE#>", [](const TField* f, const MacroContext&) -> MacroResult { return currentDateFor(f); }},
+    {u"<#CURRENTTIME#>", [](const TField* f, const MacroContext&) -> MacroResult { return currentTimeFor(f); }},
+    {u"<#CURRENTDATETIME#>", [](const TField* f, const MacroContext&) -> MacroResult { return currentDateTimeFor(f); }},
+    {u"<#MASTERID#>",
+     [](const TField*, const MacroContext& c) -> MacroResult { return masterValue(c, QStringLiteral("Id")); }},
     {u"<#LOCALCURRENCY#>",
-     [](const TField*, const MacroContext& c) { return std::optional<Variant>(c.session->Currency_LCY); }},
+     [](const TField*, const MacroContext& c) -> MacroResult { return c.session->Currency_LCY; }},
 };
 
 const DefaultMacroRow* findDefaultMacro(const QString& text)

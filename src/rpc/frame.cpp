@@ -72,8 +72,8 @@ bool readError(Reader& in, CallError& out)
 {
   quint64 code;
   if (!in.expectCount(cbor::Array, 3, "error of three items expected") ||
-      !in.expect(cbor::Unsigned, code, "error code expected") || !cbor::readText(in, out.text, "error text expected") ||
-      !cbor::readText(in, out.incident, "incident expected"))
+      !in.expect(cbor::Unsigned, code, "error code expected") ||
+      !cbor::readText(in, out.text, "error text expected") || !cbor::readText(in, out.incident, "incident expected"))
     return false;
   if (code == 0 || code > quint64(std::numeric_limits<int>::max()))
     return in.fail("error code out of range");

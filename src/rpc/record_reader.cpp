@@ -174,8 +174,7 @@ bool readTexts(Reader& in, qsizetype rows, NullBits nulls, Column& out)
     if (to < from || to > quint64(texts.size()))
       return in.fail("text offsets out of order");
     const char16_t* const start = end;
-    end = utf8::toUtf16(texts.data() + from, qsizetype(to - from), end, limit);
-    if (!end)
+    if (!utf8::toUtf16(texts.data() + from, qsizetype(to - from), end, limit))
       return in.fail("text is not UTF-8");
     spans[size_t(row)] = {quint32(start - characters.data()), quint32(end - start)};
     from = to;

@@ -91,7 +91,8 @@ void writeTexts(Writer& out, const Column& column)
   for (const Column::TextSpan& span : column.spans())
     units += qsizetype(span.length);
   if (units > std::numeric_limits<quint32>::max() / 3)
-    throw RpcError(RpcError::BadArguments, QStringLiteral("Текстовете са твърде дълги, за да бъдат изпратени наведнъж."));
+    throw RpcError(RpcError::BadArguments,
+                   QStringLiteral("Текстовете са твърде дълги, за да бъдат изпратени наведнъж."));
   out.array(2);
   out.tag(TagUint32);
   out.head(Bytes, quint64(rows + 1) * 4);

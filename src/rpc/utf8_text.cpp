@@ -115,22 +115,23 @@ qsizetype utf16Units(const char* bytes, qsizetype size)
   return units;
 }
 
-char16_t* toUtf16(const char* bytes, qsizetype size, char16_t* out, const char16_t* limit)
+bool toUtf16(const char* bytes, qsizetype size, char16_t*& place, const char16_t* limit)
 {
+  char16_t* out = place;  // writing through the reference would read it anew after each character
   const char* const end = bytes + size;
   while (bytes < end) {
     while (end - bytes >= 8) {
       const quint64 word = loadWord(bytes);
       if ((word & 0x8080808080808080ull) == 0) {
         if (limit - out < 8)
-          return nullptr;
+          return false;
         for (int i = 0; i < 8; ++i)
           out[i] = char16_t(quint8(bytes[i]));
         out += 8;
       } else if ((word & lanes(0xc0e0)) == lanes(0x80c0)) {
         const quint64 units = (word & lanes(0x001f)) << 6 | ((word >> 8) & lanes(0x003f));
         if (!needsTwoBytes(units) || limit - out < 4)
-          return nullptr;
+          return false;
         storeWord(units, out);
         out += 4;
       } else {
@@ -150,11 +151,11 @@ char16_t* toUtf16(const char* bytes, qsizetype size, char16_t* out, const char16
       } else {
         const int used = readWide(bytes, end, c);
         if (used == 0)
-          return nullptr;
+          return false;
         bytes += used;
       }
       if (limit - out < (c >= 0x10000 ? 2 : 1))
-        return nullptr;
+        return false;
       if (c >= 0x10000) {
         *out++ = char16_t(0xd800 + ((c - 0x10000) >> 10));
         *out++ = char16_t(0xdc00 + ((c - 0x10000) & 0x3ff));
@@ -163,7 +164,8 @@ char16_t* toUtf16(const char* bytes, qsizetype size, char16_t* out, const char16
       }
     }
   }
-  return out;
+  place = out;
+  return true;
 }
 
 }  // namespace kalvor::utf8

@@ -13,8 +13,8 @@ char* fromUtf16(const char16_t* text, qsizetype count, char* out);
 // How many UTF-16 units valid UTF-8 gives.
 qsizetype utf16Units(const char* bytes, qsizetype size);
 
-// Writes UTF-8 as UTF-16; null when it is not valid, else the end of what was written. For valid input the
-// room needed is utf16Units(); `limit` is the end of the room and is never passed.
-char16_t* toUtf16(const char* bytes, qsizetype size, char16_t* out, const char16_t* limit);
+// Writes UTF-8 as UTF-16 and moves `out` behind it; false when the bytes are not valid. For valid input the room
+// needed is utf16Units(); `limit` is the end of the room and is never passed.
+bool toUtf16(const char* bytes, qsizetype size, char16_t*& out, const char16_t* limit);
 
 }  // namespace kalvor::utf8

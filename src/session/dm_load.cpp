@@ -46,9 +46,10 @@ void TDM::LoadCompanySettings()
 {
   loggingErrors(QStringLiteral("TDM.LoadCompanySettings"), [&] {
     Variant rows;
-    const int found = requestValue(*ConBroker, TableColumns, QStringLiteral("C_CompanySetup"),
-                                   QStringLiteral("CheckBulstat,CheckTaxNo,PrecisionAmount,PrecisionPrice,Currency_LCY"),
-                                   {conditionOn(QStringLiteral("Id"), LocalData.CompanyId)}, rows, RowsWanted::All);
+    const int found =
+        requestValue(*ConBroker, TableColumns, QStringLiteral("C_CompanySetup"),
+                     QStringLiteral("CheckBulstat,CheckTaxNo,PrecisionAmount,PrecisionPrice,Currency_LCY"),
+                     {conditionOn(QStringLiteral("Id"), LocalData.CompanyId)}, rows, RowsWanted::All);
     if (found <= 0)
       return;
     const VariantArray row = rows.toList().value(0).toList();

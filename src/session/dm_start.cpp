@@ -1,4 +1,5 @@
 // Start of the session: connection, log-in by dialog or from the command line.
+#include "forms/messages.h"
 #include "platform/ports.h"
 #include "platform/system.h"
 #include "session/dm.h"
@@ -21,9 +22,9 @@ struct LoginRefusal {
   int result;
   QStringView text;
 };
-constexpr LoginRefusal loginRefusals[] = {
+const LoginRefusal loginRefusals[] = {
     {-1, u"Не валидна парола"},
-    {-4, u"Грешка при извличане на данни!\r\nМоля, проверете коректността на въведените данни!"},
+    {-4, _err_NoCorectLoginData},
     {-5, u"Потребителя не е активен!\n\rМоля, обърнете се към системния администратор за отстраняване на проблема!"}};
 
 void showRefusal(int result)

@@ -62,7 +62,8 @@ class StoredFilterTest : public QObject {
 
   void typedValuesAreStoredAsText()
   {
-    const FilterArray filter{{"D", ">=", QDate(2024, 1, 15), "AND", "("}, {"N", "=", 1.5, "OR", ")"}, {"I", "=", 2, "", ""}};
+    const FilterArray filter{
+        {"D", ">=", QDate(2024, 1, 15), "AND", "("}, {"N", "=", 1.5, "OR", ")"}, {"I", "=", 2, "", ""}};
     QCOMPARE(BuildStrFilter(filter), QString("D,>=,20240115,&N,=,1.5,|I,=,2,"));
     QCOMPARE(BuildStrFilter({}), QString());
   }

@@ -2,8 +2,11 @@
 // was told.
 #pragma once
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QTest>
 
 #include "../scratch_documents.h"
 #include "../scripted_ports.h"
@@ -36,13 +39,14 @@ class DemoServer {
   void start() { server_.start(); }
 
  private:
-  static server::ServerOptions options()
+  server::ServerOptions options() const
   {
     server::ServerOptions options;
-    options.database = QStringLiteral(":memory:");
+    options.database = folder_.filePath(QStringLiteral("demo.db"));
     options.port = 0;
     return options;
   }
+  QTemporaryDir folder_;
   server::ApplicationServer server_;
 };
 
@@ -54,7 +58,8 @@ class FormSession {
     LocalData = {};
     AutoLoginData = {};
     host.commandLine = {QStringLiteral("-u"), user, QStringLiteral("-p"), QStringLiteral("demo"), QStringLiteral("-c"),
-                        QStringLiteral("1"),  QStringLiteral("-b"), QStringLiteral("1"), QStringLiteral("-a")};
+                        QStringLiteral("1"),  QStringLiteral("-b"), user == u"GUEST" ? QStringLiteral("3") : QStringLiteral("1"),
+                        QStringLiteral("-a")};
     dm = std::make_unique<TDM>(host);
     dm->FormList = std::make_unique<RegisteredForms>();
     dm->SocketCon.Port = port;
@@ -74,6 +79,10 @@ class RememberingMainWindow : public IMainFormIntf, public FormHost {
   {
     area.resize(1280, 700);
     area.show();
+    area.activateWindow();
+    if (!QTest::qWaitForWindowActive(&area)) {
+      qWarning("The window did not become active");
+    }
     installMainForm(this);
     installFormHost(this);
   }

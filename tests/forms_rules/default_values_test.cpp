@@ -102,7 +102,8 @@ class DefaultValuesTest : public QObject {
     };
     const VariantArray rows{description("Text", "от описанието"), description("Number", "5"),
                             description("Missing", "x"), Variant(), description("Id", " ")};
-    const TDefaultValues caller{{"Number", 7, 1}, {"Text", "за главния", 0}, {"Missing", 1, 1}, {"Id", "<#MASTERID#>", 1}};
+    const TDefaultValues caller{
+        {"Number", 7, 1}, {"Text", "за главния", 0}, {"Missing", 1, 1}, {"Id", "<#MASTERID#>", 1}};
     QStringList parsed;
     const auto parse = [&](const QString& text, TField* field) {
       parsed.append(field->FieldName());

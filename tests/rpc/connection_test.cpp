@@ -5,6 +5,7 @@
 #include "rpc/connection.h"
 #include "scripted_server.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using kalvor::test::ScriptedServer;
 
@@ -44,14 +45,14 @@ class ConnectionTest : public QObject {
   {
     ScriptedServer server([](const Frame& call) {
       VariantArray arguments = call.arguments;
-      arguments[1] = QStringLiteral("промених го");
+      arguments[1] = u"промених го"_s;
       return encodeAnswer(call.id, 5, arguments, 0b010);
     });
     Client client(server.port());
     client.broker.Connect();
     VariantArray arguments{1, 2, 3};
-    QCOMPARE(client.broker.Call(QStringLiteral("Anything"), arguments), QVariant(5));
-    QCOMPARE(arguments, (VariantArray{1, QStringLiteral("промених го"), 3}));
+    QCOMPARE(client.broker.Call(u"Anything"_s, arguments), QVariant(5));
+    QCOMPARE(arguments, (VariantArray{1, u"промених го"_s, 3}));
     QVERIFY(client.broker.Connected());
     client.broker.Disconnect();
     QVERIFY(!client.broker.Connected());
@@ -60,13 +61,13 @@ class ConnectionTest : public QObject {
   void serverErrorKeepsTheConnection()
   {
     ScriptedServer server([](const Frame& call) {
-      return encodeError(call.id, {RpcError::Forbidden, QStringLiteral("Нямате права."), QStringLiteral("I1")});
+      return encodeError(call.id, {RpcError::Forbidden, u"Нямате права."_s, u"I1"_s});
     });
     Client client(server.port());
     QString text;
-    QCOMPARE(codeOf([&] { client.broker.Call(QStringLiteral("A")); }, &text), int(RpcError::Forbidden));
-    QCOMPARE(text, QStringLiteral("Нямате права."));
-    codeOf([&] { client.broker.Call(QStringLiteral("A")); });
+    QCOMPARE(codeOf([&] { client.broker.Call(u"A"_s); }, &text), int(RpcError::Forbidden));
+    QCOMPARE(text, u"Нямате права."_s);
+    codeOf([&] { client.broker.Call(u"A"_s); });
     QCOMPARE(server.connections(), 1);
   }
 
@@ -80,7 +81,7 @@ class ConnectionTest : public QObject {
     Client client(port);
     QString text;
     QCOMPARE(codeOf([&] { client.broker.Connect(); }, &text), int(RpcError::Unreachable));
-    QVERIFY2(text.startsWith(QStringLiteral("Няма връзка със сървъра 127.0.0.1:%1").arg(port)), qPrintable(text));
+    QVERIFY2(text.startsWith(u"Няма връзка със сървъра 127.0.0.1:%1"_s.arg(port)), qPrintable(text));
     QVERIFY(!client.broker.Connected());
   }
 
@@ -89,11 +90,11 @@ class ConnectionTest : public QObject {
     ScriptedServer server(done);
     Client client(server.port());
     client.broker.Connect();
-    client.broker.Call(QStringLiteral("First"));
-    client.broker.setSession(QStringLiteral("s-1"));
+    client.broker.Call(u"First"_s);
+    client.broker.setSession(u"s-1"_s);
     server.cut();
-    client.broker.Call(QStringLiteral("Second"));
-    QCOMPARE(server.calls(), QStringList({QStringLiteral("First"), QStringLiteral("ResumeSession"), QStringLiteral("Second")}));
+    client.broker.Call(u"Second"_s);
+    QCOMPARE(server.calls(), QStringList({u"First"_s, u"ResumeSession"_s, u"Second"_s}));
     QCOMPARE(server.connections(), 2);
   }
 
@@ -101,9 +102,9 @@ class ConnectionTest : public QObject {
   {
     ScriptedServer server([](const Frame& call) { return encodeAnswer(call.id, -1, {}); });
     Client client(server.port());
-    client.broker.setSession(QStringLiteral("old"));
-    QCOMPARE(codeOf([&] { client.broker.Call(QStringLiteral("A")); }), int(RpcError::NotLoggedIn));
-    QCOMPARE(server.calls(), QStringList({QStringLiteral("ResumeSession")}));
+    client.broker.setSession(u"old"_s);
+    QCOMPARE(codeOf([&] { client.broker.Call(u"A"_s); }), int(RpcError::NotLoggedIn));
+    QCOMPARE(server.calls(), QStringList({u"ResumeSession"_s}));
     QVERIFY(!client.broker.Connected());
   }
 
@@ -113,7 +114,7 @@ class ConnectionTest : public QObject {
     QTest::addColumn<int>("code");
     QTest::addColumn<int>("times");
     QTest::newRow("without") << QString() << int(RpcError::ConnectionLost) << 1;
-    QTest::newRow("with") << QStringLiteral("r1") << 0 << 2;
+    QTest::newRow("with") << u"r1"_s << 0 << 2;
   }
   void callThatMayHaveRunIsRepeatedOnlyWithARequestId()
   {
@@ -124,7 +125,7 @@ class ConnectionTest : public QObject {
     ScriptedServer server([&](const Frame& call) { return ++seen == 1 ? QByteArray() : done(call); });
     Client client(server.port());
     VariantArray none;
-    QCOMPARE(codeOf([&] { client.broker.Call(QStringLiteral("Save"), none, requestId); }), code);
+    QCOMPARE(codeOf([&] { client.broker.Call(u"Save"_s, none, requestId); }), code);
     QCOMPARE(seen, times);
   }
 
@@ -132,11 +133,11 @@ class ConnectionTest : public QObject {
   {
     ScriptedServer server(done);
     Client client(server.port());
-    client.broker.Call(QStringLiteral("trStart"));
+    client.broker.Call(u"trStart"_s);
     server.cut();
-    QCOMPARE(codeOf([&] { client.broker.Call(QStringLiteral("UpdateClientData")); }), int(RpcError::ConnectionLost));
-    client.broker.Call(QStringLiteral("trStart"));
-    QCOMPARE(server.calls(), QStringList({QStringLiteral("trStart"), QStringLiteral("trStart")}));
+    QCOMPARE(codeOf([&] { client.broker.Call(u"UpdateClientData"_s); }), int(RpcError::ConnectionLost));
+    client.broker.Call(u"trStart"_s);
+    QCOMPARE(server.calls(), QStringList({u"trStart"_s, u"trStart"_s}));
   }
 
   void silenceIsATimeout()
@@ -146,9 +147,9 @@ class ConnectionTest : public QObject {
     });
     Client client(server.port());
     client.connection.answerTimeoutMs = 50;
-    QCOMPARE(codeOf([&] { client.broker.Call(QStringLiteral("Sleep")); }), int(RpcError::Timeout));
+    QCOMPARE(codeOf([&] { client.broker.Call(u"Sleep"_s); }), int(RpcError::Timeout));
     client.connection.answerTimeoutMs = 3000;
-    QCOMPARE(client.broker.Call(QStringLiteral("A")), QVariant(0));
+    QCOMPARE(client.broker.Call(u"A"_s), QVariant(0));
   }
 
   void nonsenseIsABadFrame_data()
@@ -157,14 +158,14 @@ class ConnectionTest : public QObject {
     QTest::newRow("no CBOR") << QByteArray::fromHex("00000001ff");
     QTest::newRow("length") << QByteArray::fromHex("ffffffff00");
     QTest::newRow("other id") << encodeAnswer(999, 0, {});
-    QTest::newRow("a call") << encodeCall(1, QStringLiteral("A"), {});
+    QTest::newRow("a call") << encodeCall(1, u"A"_s, {});
   }
   void nonsenseIsABadFrame()
   {
     QFETCH(QByteArray, answer);
     ScriptedServer server([&](const Frame&) { return answer; });
     Client client(server.port());
-    QCOMPARE(codeOf([&] { client.broker.Call(QStringLiteral("A")); }), int(RpcError::BadFrame));
+    QCOMPARE(codeOf([&] { client.broker.Call(u"A"_s); }), int(RpcError::BadFrame));
     QVERIFY(!client.broker.Connected());
   }
 
@@ -173,31 +174,31 @@ class ConnectionTest : public QObject {
     ScriptedServer server([](const Frame& call) {
       DataPacket packet;
       packet.continuation = call.arguments;
-      if (call.arguments[0] == QVariant(QStringLiteral("bad")))
+      if (call.arguments[0] == QVariant(u"bad"_s))
         return encodeAnswer(call.id, 0, {});
       return encodeAnswer(call.id, QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet))), {});
     });
     Client client(server.port());
-    const auto first = client.broker.openProvider(QStringLiteral("P1"), 32);
-    QCOMPARE(first->continuation, QVariant(VariantArray{QStringLiteral("P1"), 32}));
-    const auto next = client.broker.fetchRecords(QStringLiteral("P1"), 7, -1);
-    QCOMPARE(next->continuation, QVariant(VariantArray{QStringLiteral("P1"), 7, -1}));
-    QCOMPARE(server.calls(), QStringList({QStringLiteral("OpenProvider"), QStringLiteral("FetchRecords")}));
-    QCOMPARE(codeOf([&] { client.broker.openProvider(QStringLiteral("bad"), 1); }), int(RpcError::BadFrame));
+    const auto first = client.broker.openProvider(u"P1"_s, 32);
+    QCOMPARE(first->continuation, QVariant(VariantArray{u"P1"_s, 32}));
+    const auto next = client.broker.fetchRecords(u"P1"_s, 7, -1);
+    QCOMPARE(next->continuation, QVariant(VariantArray{u"P1"_s, 7, -1}));
+    QCOMPARE(server.calls(), QStringList({u"OpenProvider"_s, u"FetchRecords"_s}));
+    QCOMPARE(codeOf([&] { client.broker.openProvider(u"bad"_s, 1); }), int(RpcError::BadFrame));
   }
 
   void otherThreadsAreServed()
   {
     ScriptedServer server([](const Frame& call) {
-      return call.operation == QLatin1String("Fail") ? encodeError(call.id, {RpcError::Invalid, QStringLiteral("не"), {}})
+      return call.operation == QLatin1String("Fail") ? encodeError(call.id, {RpcError::Invalid, u"не"_s, {}})
                                                      : done(call);
     });
     Client client(server.port());
     QVariant result;
     int code = 0;
     const std::unique_ptr<QThread> worker(QThread::create([&] {
-      result = client.broker.Call(QStringLiteral("FromAfar"));
-      code = codeOf([&] { client.broker.Call(QStringLiteral("Fail")); });
+      result = client.broker.Call(u"FromAfar"_s);
+      code = codeOf([&] { client.broker.Call(u"Fail"_s); });
     }));
     worker->start();
     QTRY_VERIFY(worker->isFinished());
@@ -210,7 +211,7 @@ class ConnectionTest : public QObject {
     const QString text(3'000'000, u'Ж');
     ScriptedServer server([&](const Frame& call) { return encodeAnswer(call.id, text, {}); });
     Client client(server.port());
-    QCOMPARE(client.broker.Call(QStringLiteral("A")).toString(), text);
+    QCOMPARE(client.broker.Call(u"A"_s).toString(), text);
   }
 };
 

@@ -7,6 +7,7 @@
 #include "rpc/rpc_error.h"
 #include "rpc_tests.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using namespace kalvor::test;
 
@@ -28,8 +29,8 @@ class FramesTest : public QObject {
       QTest::addRow("int64 %lld", number) << QVariant(number);
     QTest::newRow("double") << QVariant(-1234.5678);
     QTest::newRow("smallest double") << QVariant(std::numeric_limits<double>::denorm_min());
-    QTest::newRow("empty text") << QVariant(QStringLiteral(""));
-    QTest::newRow("text") << QVariant(QStringLiteral("Фактура № 0000000001 – \U0001F9FE"));
+    QTest::newRow("empty text") << QVariant(u""_s);
+    QTest::newRow("text") << QVariant(u"Фактура № 0000000001 – \U0001F9FE"_s);
     QTest::newRow("long text") << QVariant(QString(70000, u'Щ'));
     QTest::newRow("bytes") << QVariant(hex("00ff80"));
     QTest::newRow("date") << QVariant(QDate(2024, 2, 29));
@@ -39,7 +40,7 @@ class FramesTest : public QObject {
     QTest::newRow("date-time") << QVariant(QDateTime(QDate(2024, 3, 31), QTime(3, 30)));
     // The hour that the clock skips in spring is not a moment, yet documents hold it.
     QTest::newRow("before 1970") << QVariant(QDateTime(QDate(1899, 12, 30), QTime(12, 0, 0, 1)));
-    QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("а"), QVariantList{}, QVariant()});
+    QTest::newRow("list") << QVariant(QVariantList{1, u"а"_s, QVariantList{}, QVariant()});
   }
   void valueComesBack()
   {
@@ -78,35 +79,44 @@ class FramesTest : public QObject {
   void callHasTheseBytes()
   {
     const QByteArray call =
-        encodeCall(7, QStringLiteral("GetUsersList"), {QStringLiteral("01"), QStringLiteral("1"), QVariant()});
-    QCOMPARE(call.toHex(), QByteArray("00000017" "84" "00" "07" "6c4765745573657273" "4c697374" "83" "623031" "6131" "f6"));
-    const QByteArray once = encodeCall(8, QStringLiteral("trStart"), {}, QStringLiteral("a1"));
+        encodeCall(7, u"GetUsersList"_s, {u"01"_s, u"1"_s, QVariant()});
+    QCOMPARE(call.toHex(), QByteArray("00000017"
+                                      "84"
+                                      "00"
+                                      "07"
+                                      "6c4765745573657273"
+                                      "4c697374"
+                                      "83"
+                                      "623031"
+                                      "6131"
+                                      "f6"));
+    const QByteArray once = encodeCall(8, u"trStart"_s, {}, u"a1"_s);
     QCOMPARE(once.toHex(), QByteArray("0000000f" "85" "00" "08" "6774725374617274" "80" "626131"));
   }
 
   void callComesBack()
   {
-    const VariantArray arguments{QStringLiteral("SUPERVSR"), 5, QVariant(), VariantArray{1, 2}};
-    const auto call = decodeFrame(itemOf(encodeCall(9, QStringLiteral("LogIn"), arguments)), generous);
+    const VariantArray arguments{u"SUPERVSR"_s, 5, QVariant(), VariantArray{1, 2}};
+    const auto call = decodeFrame(itemOf(encodeCall(9, u"LogIn"_s, arguments)), generous);
     QVERIFY(call);
     QCOMPARE(call->kind, Frame::Kind::Call);
     QCOMPARE(call->id, quint64(9));
-    QCOMPARE(call->operation, QStringLiteral("LogIn"));
+    QCOMPARE(call->operation, u"LogIn"_s);
     QCOMPARE(call->arguments, arguments);
     QCOMPARE(call->requestId, QString());
-    QCOMPARE(decodeFrame(itemOf(encodeCall(9, QStringLiteral("A"), {}, QStringLiteral("r-1"))), generous)->requestId,
-             QStringLiteral("r-1"));
+    QCOMPARE(decodeFrame(itemOf(encodeCall(9, u"A"_s, {}, u"r-1"_s)), generous)->requestId,
+             u"r-1"_s);
   }
 
   void answerCarriesOnlyWhatIsReturned()
   {
-    const VariantArray arguments{QStringLiteral("in"), QStringLiteral("out"), QStringLiteral("in too")};
+    const VariantArray arguments{u"in"_s, u"out"_s, u"in too"_s};
     const auto some = decodeFrame(itemOf(encodeAnswer(3, 0, arguments, 0b010)), generous);
     QVERIFY(some && !some->error);
     QCOMPARE(some->kind, Frame::Kind::Answer);
     QCOMPARE(some->arguments.size(), 2);
     QCOMPARE(some->returned, quint64(0b010));
-    QCOMPARE(some->arguments[1], QVariant(QStringLiteral("out")));
+    QCOMPARE(some->arguments[1], QVariant(u"out"_s));
     QCOMPARE(some->result, QVariant(0));
     const auto all = decodeFrame(itemOf(encodeAnswer(3, 0, arguments)), generous);
     QCOMPARE(all->arguments, arguments);
@@ -117,11 +127,11 @@ class FramesTest : public QObject {
   void errorComesBack()
   {
     const auto answer = decodeFrame(
-        itemOf(encodeError(4, {RpcError::Conflict, QStringLiteral("Записът е променен."), QStringLiteral("I7")})), generous);
+        itemOf(encodeError(4, {RpcError::Conflict, u"Записът е променен."_s, u"I7"_s})), generous);
     QVERIFY(answer && answer->error);
     QCOMPARE(answer->error->code, int(RpcError::Conflict));
-    QCOMPARE(answer->error->text, QStringLiteral("Записът е променен."));
-    QCOMPARE(answer->error->incident, QStringLiteral("I7"));
+    QCOMPARE(answer->error->text, u"Записът е променен."_s);
+    QCOMPARE(answer->error->incident, u"I7"_s);
   }
 
   void unknownKindsDoNotTravel()
@@ -184,21 +194,21 @@ class FramesTest : public QObject {
   {
     const auto refusal = [](const QVariant& argument, const FrameLimits& limits) {
       QString reason;
-      return decodeFrame(itemOf(encodeCall(1, QStringLiteral("A"), {argument})), limits, &reason) ? QString() : reason;
+      return decodeFrame(itemOf(encodeCall(1, u"A"_s, {argument})), limits, &reason) ? QString() : reason;
     };
-    QCOMPARE(refusal(QString(17000, u'x'), FrameLimits::beforeLogIn()), QStringLiteral("frame too long"));
-    QCOMPARE(refusal(QVariantList(5000, 1), FrameLimits::beforeLogIn()), QStringLiteral("too many values"));
+    QCOMPARE(refusal(QString(17000, u'x'), FrameLimits::beforeLogIn()), u"frame too long"_s);
+    QCOMPARE(refusal(QVariantList(5000, 1), FrameLimits::beforeLogIn()), u"too many values"_s);
     QVariant nested = 1;
     for (int depth = 0; depth < 14; ++depth)  // with the frame and its arguments: 16
       nested = QVariantList{nested};
     QCOMPARE(refusal(nested, FrameLimits::beforeLogIn()), QString());
-    QCOMPARE(refusal(QVariantList{nested}, FrameLimits::beforeLogIn()), QStringLiteral("nested too deep"));
-    QVERIFY_THROWS_EXCEPTION(RpcError, encodeCall(1, QStringLiteral("A"), VariantArray(65, 1)));
+    QCOMPARE(refusal(QVariantList{nested}, FrameLimits::beforeLogIn()), u"nested too deep"_s);
+    QVERIFY_THROWS_EXCEPTION(RpcError, encodeCall(1, u"A"_s, VariantArray(65, 1)));
   }
 
   void readerCutsTheStream()
   {
-    const QByteArray first = encodeCall(1, QStringLiteral("A"), {}), second = encodeCall(2, QStringLiteral("B"), {QString(300, u'я')});
+    const QByteArray first = encodeCall(1, u"A"_s, {}), second = encodeCall(2, u"B"_s, {QString(300, u'я')});
     const QByteArray stream = first + second + first;
     for (qsizetype chunk = 1; chunk < stream.size(); chunk += 7) {
       FrameReader reader(1000);
@@ -208,7 +218,8 @@ class FramesTest : public QObject {
         while (const auto item = reader.next())
           items.append(item->toByteArray());
       }
-      QCOMPARE(items, (QList<QByteArray>{itemOf(first).toByteArray(), itemOf(second).toByteArray(), itemOf(first).toByteArray()}));
+      QCOMPARE(items, (QList<QByteArray>{itemOf(first).toByteArray(), itemOf(second).toByteArray(),
+                                         itemOf(first).toByteArray()}));
       QCOMPARE(reader.buffered(), 0);
       QVERIFY(!reader.broken());
     }

@@ -6,6 +6,7 @@
 #include "rpc/rpc_error.h"
 #include "rpc_tests.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using namespace kalvor::test;
 
@@ -26,17 +27,18 @@ RecordSet sampleRecords()
                          field("At", DataType::DateTime),   field("Time", DataType::Time),
                          field("Active", DataType::Boolean), field("Picture", DataType::Blob)};
   fields[0].required = true;
-  fields[0].origin = QStringLiteral("N_Item.Id");
+  fields[0].origin = u"N_Item.Id"_s;
   fields[1].size = 30;
   fields[4].readOnly = true;
   fields[5].updatable = false;
   RecordSet records(fields);
-  records.appendRow({qlonglong(1) << 40, QStringLiteral("Захар, бяла 1 кг"), 2.35, QDate(2024, 1, 31),
+  records.appendRow({qlonglong(1) << 40, u"Захар, бяла 1 кг"_s, 2.35, QDate(2024, 1, 31),
                      QDateTime(QDate(2024, 1, 31), QTime(10, 20, 30)), QTime(8, 0), true, hex("0001ff")});
   records.appendRow({});
-  records.appendRow({-3, QStringLiteral("Bank \U0001F3E6 ‰ и още"), -0.0, QDate(1, 1, 1),
+  records.appendRow({-3, u"Bank \U0001F3E6 ‰ и още"_s, -0.0, QDate(1, 1, 1),
                      QDateTime(QDate(1999, 12, 31), QTime(23, 59, 59, 999)), QTime(0, 0), false, QByteArray("")});
-  records.appendRow({7, QStringLiteral(""), 1e300, QDate(9999, 12, 31), QVariant(), QTime(23, 59, 59, 999), QVariant(), QVariant()});
+  records.appendRow(
+      {7, u""_s, 1e300, QDate(9999, 12, 31), QVariant(), QTime(23, 59, 59, 999), QVariant(), QVariant()});
   return records;
 }
 
@@ -127,9 +129,9 @@ class RecordFramesTest : public QObject {
   {
     RecordSet records(QList<FieldDef>{field("A", DataType::WideString)});
     QStringList texts;
-    const QStringList parts{QStringLiteral("a"), QStringLiteral("я"), QStringLiteral("€"), QStringLiteral("\U0001F9FE"), QString(QChar(0x80)), QString(QChar(0x7ff))};
+    const QStringList parts{u"a"_s, u"я"_s, u"€"_s, u"\U0001F9FE"_s, QString(QChar(0x80)), QString(QChar(0x7ff))};
     for (int length = 0; length < 40; ++length)
-      for (const QString& filler : {QStringLiteral("x"), QStringLiteral("Ж")})
+      for (const QString& filler : {u"x"_s, u"Ж"_s})
         for (const QString& part : parts)
           texts << filler.repeated(length) + part + filler.repeated(length % 9);
     for (const QString& text : texts)
@@ -139,14 +141,26 @@ class RecordFramesTest : public QObject {
       QCOMPARE(back->columns[0].textAt(row).toString(), texts[row]);
   }
 
+  void emptyTextsAndNullsAloneComeBack()
+  {
+    RecordSet records(
+        QList<FieldDef>{field("A", DataType::WideString), field("B", DataType::Blob), field("C", DataType::Memo)});
+    records.appendRow({u""_s, QByteArray(""), QVariant()});
+    records.appendRow({u""_s, QByteArray(""), QVariant()});
+    const RecordSetPtr back = backFrom(shared(records));
+    QVERIFY(back);
+    compareRecords(*back, records);
+    QVERIFY(!back->columns[0].isNull(1) && back->columns[2].isNull(1));
+  }
+
   void loneSurrogateBecomesAReplacement()
   {
     RecordSet records(QList<FieldDef>{field("A", DataType::WideString)});
     records.appendRow({QString(u'a') + QChar(0xd83e)});
     records.appendRow({QString(QChar(0xdc00)) + u'b'});
     const RecordSetPtr back = backFrom(shared(records));
-    QCOMPARE(back->columns[0].textAt(0).toString(), QStringLiteral("a\ufffd"));
-    QCOMPARE(back->columns[0].textAt(1).toString(), QStringLiteral("\ufffd" "b"));
+    QCOMPARE(back->columns[0].textAt(0).toString(), u"a\ufffd"_s);
+    QCOMPARE(back->columns[0].textAt(1).toString(), u"\ufffd" u"b"_s);
   }
 
   void realsThatAreNotFiniteArriveAsNull()
@@ -175,7 +189,8 @@ class RecordFramesTest : public QObject {
     Delta delta;
     delta.records = sampleRecords();
     delta.status = {UpdateStatus::Inserted, UpdateStatus::Unmodified, UpdateStatus::Modified, UpdateStatus::Deleted};
-    const auto back = decodeValue(encodeValue(QVariant::fromValue(DeltaPtr(std::make_shared<Delta>(delta)))), generous);
+    const auto back =
+        decodeValue(encodeValue(QVariant::fromValue(DeltaPtr(std::make_shared<Delta>(delta)))), generous);
     QVERIFY(back && back->value<DeltaPtr>());
     QCOMPARE(back->value<DeltaPtr>()->status, delta.status);
     compareRecords(back->value<DeltaPtr>()->records, delta.records);
@@ -204,8 +219,9 @@ class RecordFramesTest : public QObject {
 
   void packetComesBack()
   {
-    DataPacket packet{sampleRecords(), VariantArray{QStringLiteral("0017"), 3}};
-    const auto back = decodeValue(encodeValue(QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet)))), generous);
+    DataPacket packet{sampleRecords(), VariantArray{u"0017"_s, 3}};
+    const auto back =
+        decodeValue(encodeValue(QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet)))), generous);
     QVERIFY(back && back->value<DataPacketPtr>());
     QCOMPARE(back->value<DataPacketPtr>()->continuation, packet.continuation);
     compareRecords(back->value<DataPacketPtr>()->records, packet.records);
@@ -214,7 +230,8 @@ class RecordFramesTest : public QObject {
   void truncatedAnywhereIsRefused()
   {
     DataPacket packet{sampleRecords(), QVariant()};
-    const QByteArray frame = encodeAnswer(1, QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet))), {QDate(2024, 1, 1)});
+    const QByteArray frame =
+        encodeAnswer(1, QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet))), {QDate(2024, 1, 1)});
     const QByteArrayView item = itemOf(frame);
     QVERIFY(decodeFrame(item, generous));
     for (qsizetype size = 0; size < item.size(); ++size)
@@ -225,7 +242,8 @@ class RecordFramesTest : public QObject {
   void changedBytesNeverCrash()
   {
     DataPacket packet{sampleRecords(), 5};
-    const QByteArray frame = encodeAnswer(1, QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet))), {});
+    const QByteArray frame =
+        encodeAnswer(1, QVariant::fromValue(DataPacketPtr(std::make_shared<DataPacket>(packet))), {});
     int accepted = 0;
     for (qsizetype at = 4; at < frame.size(); ++at)
       for (const int change : {0x01, 0x20, 0x80, 0xff}) {
@@ -243,22 +261,50 @@ class RecordFramesTest : public QObject {
     const auto bad = [](const char* name, const QByteArray& item, const char* reason) {
       QTest::newRow(name) << item << QString::fromLatin1(reason);
     };
-    bad("rows beyond the frame", oneColumn("1a7fffffff", integerType, "82f6d84840"), "more rows than the frame can hold");
-    bad("rows without fields", hex("d95214a364726f77730166666965 6c64738067636f6c756d6e7380"), "more rows than the frame can hold");
+    bad("rows beyond the frame", oneColumn("1a7fffffff", integerType, "82f6d84840"),
+        "more rows than the frame can hold");
+    bad("rows without fields", hex("d95214a364726f77730166666965 6c64738067636f6c756d6e7380"),
+        "more rows than the frame can hold");
     bad("short column", oneColumn("02", integerType, "82f6d8484107"), "column length differs from the record set");
-    bad("uneven column", oneColumn("02", integerType, "82f6d84d43070000"), "column length differs from the record set");
+    bad("uneven column", oneColumn("02", integerType, "82f6d84d43070000"),
+        "column length differs from the record set");
     bad("real as integer", oneColumn("01", floatType, "82f6d8484107"), "float column of another kind");
-    bad("integer as real", oneColumn("01", integerType, "82f6d856480000000000000000"), "integer column of another kind");
+    bad("integer as real", oneColumn("01", integerType, "82f6d856480000000000000000"),
+        "integer column of another kind");
     bad("few null bits", oneColumn("09", integerType, "824101d84849000000000000000000"), "wrong number of null bits");
     bad("null bits behind", oneColumn("02", integerType, "824104d848420000"), "null bits beyond the last row");
     bad("unknown type", oneColumn("00", "6158", "82f6d84840"), "unknown field type");
     bad("date out of range", oneColumn("01", dateType, "82f6d8484105"), "date or time out of range");
-    bad("offsets from 1", oneColumn("01", wideString, "82f682d846480100000001000000" "4161"), "text offsets do not begin at 0");
-    bad("offsets back", oneColumn("02", wideString, "82f682d8464c000000000200000001000000" "426162"), "text offsets out of order");
-    bad("offset beyond", oneColumn("01", wideString, "82f682d846480000000003000000" "426162"), "text offsets out of order");
-    bad("texts unused", oneColumn("01", wideString, "82f682d846480000000001000000" "426162"), "texts longer than their offsets");
-    bad("character cut", oneColumn("02", wideString, "82f682d8464c000000000100000002000000" "42d0af"), "text is not UTF-8");
-    bad("no UTF-8 in a run", oneColumn("01", wideString, "82f682d846480000000008000000" "48c080c080c080c080"), "text is not UTF-8");
+    bad("offsets from 1",
+        oneColumn("01", wideString,
+                  "82f682d846480100000001000000"
+                  "4161"),
+        "text offsets do not begin at 0");
+    bad("offsets back",
+        oneColumn("02", wideString,
+                  "82f682d8464c000000000200000001000000"
+                  "426162"),
+        "text offsets out of order");
+    bad("offset beyond",
+        oneColumn("01", wideString,
+                  "82f682d846480000000003000000"
+                  "426162"),
+        "text offsets out of order");
+    bad("texts unused",
+        oneColumn("01", wideString,
+                  "82f682d846480000000001000000"
+                  "426162"),
+        "texts longer than their offsets");
+    bad("character cut",
+        oneColumn("02", wideString,
+                  "82f682d8464c000000000100000002000000"
+                  "42d0af"),
+        "text is not UTF-8");
+    bad("no UTF-8 in a run",
+        oneColumn("01", wideString,
+                  "82f682d846480000000008000000"
+                  "48c080c080c080c080"),
+        "text is not UTF-8");
     bad("few blobs", oneColumn("02", blobType, "82f6814100"), "blob column of another length");
     bad("missing key", hex("d95214a264726f777300"), "record set of three keys expected");
     bad("other key", hex("d95214a364726f7778"), "unexpected map key");

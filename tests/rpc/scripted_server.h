@@ -13,6 +13,8 @@
 
 namespace kalvor::test {
 
+using namespace Qt::StringLiterals;
+
 class ScriptedServer {
  public:
   // Bytes to send back; a null byte array closes the connection unanswered, an empty one says nothing.
@@ -67,7 +69,7 @@ class ScriptedServer {
         const auto call = decodeFrame(*item, FrameLimits::ofServer());
         {
           const std::lock_guard lock(mutex_);
-          calls_ << (call ? call->operation : QStringLiteral("?"));
+          calls_ << (call ? call->operation : u"?"_s);
         }
         const QByteArray answer = handler_(*call);
         if (answer.isNull())

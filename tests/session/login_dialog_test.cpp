@@ -14,6 +14,7 @@
 #include "session/windows/login_dialog.h"
 #include "widgets/theme.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using namespace kalvor::testing;
 
@@ -30,12 +31,12 @@ Variant rows(const QList<QStringList>& texts)
 struct Desk {
   Desk()
   {
-    QDir().mkpath(documents.path(QStringLiteral("Kalvor")));
-    KalvorClientINIFileName = QStringLiteral("client.ini");
-    documents.write(QStringLiteral("Kalvor/client.ini"), "[User]\nUser=AB\nObject=8\nCompany=5\n");
-    calls.answer(QStringLiteral("GetCompaniesList"), 0, {{0, rows({{"1", "Първа ООД"}, {"5", "Калвор Демо ЕООД"}})}});
-    calls.answer(QStringLiteral("GetBGroupsList"), 0, {{1, rows({{"7", "Склад София"}, {"8", "Магазин Център"}})}});
-    calls.answer(QStringLiteral("GetUsersList"), 0, {{2, rows({{"AB"}, {"SUPERVSR"}})}});
+    QDir().mkpath(documents.path(u"Kalvor"_s));
+    KalvorClientINIFileName = u"client.ini"_s;
+    documents.write(u"Kalvor/client.ini"_s, "[User]\nUser=AB\nObject=8\nCompany=5\n");
+    calls.answer(u"GetCompaniesList"_s, 0, {{0, rows({{"1", "Първа ООД"}, {"5", "Калвор Демо ЕООД"}})}});
+    calls.answer(u"GetBGroupsList"_s, 0, {{1, rows({{"7", "Склад София"}, {"8", "Магазин Център"}})}});
+    calls.answer(u"GetUsersList"_s, 0, {{2, rows({{"AB"}, {"SUPERVSR"}})}});
   }
   void show(TfLogin& dialog)
   {
@@ -65,8 +66,8 @@ class LoginDialogTest : public QObject {
     mark.fill(QColor(0x1f, 0x4e, 0x79));
     QApplication::setWindowIcon(QIcon(mark));
     TfLogin dialog(desk.host, desk.calls, desk.connection);
-    QCOMPARE(dialog.windowTitle(), QStringLiteral("Вход в системата"));
-    QCOMPARE(dialog.cbUser->currentText(), QStringLiteral("SUPERVSR"));
+    QCOMPARE(dialog.windowTitle(), u"Вход в системата"_s);
+    QCOMPARE(dialog.cbUser->currentText(), u"SUPERVSR"_s);
     QVERIFY(dialog.cbUser->isEditable() && !dialog.cbCompany->isEditable() && !dialog.cbObject->isEditable());
     QCOMPARE(dialog.ebPassword->echoMode(), QLineEdit::Password);
     QVERIFY(dialog.btnOk->isDefault());
@@ -81,7 +82,7 @@ class LoginDialogTest : public QObject {
     QCOMPARE(QApplication::focusWidget(), dialog.ebPassword);
     const QByteArray picture = qgetenv("KALVOR_PICTURES");
     if (!picture.isEmpty())
-      dialog.grab().save(QString::fromLocal8Bit(picture) + QStringLiteral("/login.png"));
+      dialog.grab().save(QString::fromLocal8Bit(picture) + u"/login.png"_s);
   }
 
   void tabGoesAsOneReads()
@@ -95,7 +96,8 @@ class LoginDialogTest : public QObject {
       order << QApplication::focusWidget()->objectName();
       QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    QCOMPARE(order, QStringList({"cbCompany", "cbObject", "cbUser", "ebPassword", "btnOk", "btnCancel", "btnConnection"}));
+    QCOMPARE(order,
+             QStringList({"cbCompany", "cbObject", "cbUser", "ebPassword", "btnOk", "btnCancel", "btnConnection"}));
   }
 
   void lastChoiceIsOffered()
@@ -104,29 +106,29 @@ class LoginDialogTest : public QObject {
     TfLogin dialog(desk.host, desk.calls, desk.connection);
     desk.show(dialog);
     const LoginChoice choice = dialog.choice();
-    QCOMPARE(choice.company.value_or(QString()), QStringLiteral("5"));
-    QCOMPARE(choice.companyText, QStringLiteral("Калвор Демо ЕООД"));
-    QCOMPARE(choice.businessGroup.value_or(QString()), QStringLiteral("8"));
-    QCOMPARE(choice.user.value_or(QString()), QStringLiteral("AB"));
+    QCOMPARE(choice.company.value_or(QString()), u"5"_s);
+    QCOMPARE(choice.companyText, u"Калвор Демо ЕООД"_s);
+    QCOMPARE(choice.businessGroup.value_or(QString()), u"8"_s);
+    QCOMPARE(choice.user.value_or(QString()), u"AB"_s);
   }
 
   void firstTimeNothingIsChosen()
   {
     Desk desk;
-    desk.documents.write(QStringLiteral("Kalvor/client.ini"), "");
+    desk.documents.write(u"Kalvor/client.ini"_s, "");
     TfLogin dialog(desk.host, desk.calls, desk.connection);
     desk.show(dialog);
     const LoginChoice choice = dialog.choice();
     QVERIFY(!choice.company && !choice.businessGroup && !choice.user);
-    QCOMPARE(choice.userText, QStringLiteral("SUPERVSR"));
+    QCOMPARE(choice.userText, u"SUPERVSR"_s);
     QTest::keyClick(dialog.cbCompany, Qt::Key_Down);
-    QCOMPARE(dialog.choice().company.value_or(QString()), QStringLiteral("1"));
+    QCOMPARE(dialog.choice().company.value_or(QString()), u"1"_s);
     QCOMPARE(dialog.cbObject->count(), 2);
     QVERIFY(!dialog.choice().businessGroup);
     QTest::keyClick(dialog.cbObject, Qt::Key_Down);
-    QCOMPARE(desk.calls.sentOnce(QStringLiteral("GetUsersList")), (VariantArray{"7", "1", Variant()}));
+    QCOMPARE(desk.calls.sentOnce(u"GetUsersList"_s), (VariantArray{"7", "1", Variant()}));
     QCOMPARE(dialog.cbUser->count(), 2);
-    QCOMPARE(dialog.choice().userText, QStringLiteral("SUPERVSR"));
+    QCOMPARE(dialog.choice().userText, u"SUPERVSR"_s);
   }
 
   void typedUserIsTakenAsTyped()
@@ -134,15 +136,15 @@ class LoginDialogTest : public QObject {
     Desk desk;
     TfLogin dialog(desk.host, desk.calls, desk.connection);
     desk.show(dialog);
-    dialog.ebPassword->setText(QStringLiteral("тайна"));
+    dialog.ebPassword->setText(u"тайна"_s);
     dialog.cbUser->setFocus();
     dialog.cbUser->lineEdit()->selectAll();
-    QTest::keyClicks(dialog.cbUser->lineEdit(), QStringLiteral("ab"));
+    QTest::keyClicks(dialog.cbUser->lineEdit(), u"ab"_s);
     QCOMPARE(dialog.ebPassword->text(), QString());
     QTest::keyClick(dialog.cbUser->lineEdit(), Qt::Key_Tab);
     const LoginChoice choice = dialog.choice();
     QVERIFY(!choice.user);
-    QCOMPARE(choice.userText, QStringLiteral("ab"));
+    QCOMPARE(choice.userText, u"ab"_s);
   }
 
   void enterAndEscapeEndIt()
@@ -195,24 +197,25 @@ class LoginDialogTest : public QObject {
   void brokenListsAreTold()
   {
     Desk desk;
-    desk.calls.handlers.remove(QStringLiteral("GetBGroupsList"));
+    desk.calls.handlers.remove(u"GetBGroupsList"_s);
     TfLogin dialog(desk.host, desk.calls, desk.connection);
     desk.show(dialog);
     QTRY_COMPARE(desk.prompt.messages, QStringList{"няма GetBGroupsList"});
-    QCOMPARE(dialog.cbCompany->currentText(), QStringLiteral("Калвор Демо ЕООД"));
+    QCOMPARE(dialog.cbCompany->currentText(), u"Калвор Демо ЕООД"_s);
   }
 
   void connectionIsWrittenDown()
   {
     Desk desk;
-    ConnectionDialog dialog({QStringLiteral("127.0.0.1"), 2030});
-    dialog.findChild<QLineEdit*>(QStringLiteral("serverAddress"))->setText(QStringLiteral(" 10.0.0.7 "));
+    ConnectionDialog dialog({u"127.0.0.1"_s, 2030});
+    dialog.findChild<QLineEdit*>(u"serverAddress"_s)->setText(u" 10.0.0.7 "_s);
     dialog.show();
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
     QTest::keyClick(&dialog, Qt::Key_Return);
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(desk.documents.read(QStringLiteral("Kalvor/client.ini")),
-             QByteArray("[User]\nUser=AB\nObject=8\nCompany=5\n\n[Server]\nServerPort=2030\nServerAddress=10.0.0.7\n"));
+    QCOMPARE(
+        desk.documents.read(u"Kalvor/client.ini"_s),
+        QByteArray("[User]\nUser=AB\nObject=8\nCompany=5\n\n[Server]\nServerPort=2030\nServerAddress=10.0.0.7\n"));
   }
 };
 

@@ -6,6 +6,7 @@
 #include "session/login_lists.h"
 #include "several_tests.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using namespace kalvor::testing;
 
@@ -22,9 +23,9 @@ Variant rowsOf(std::initializer_list<VariantArray> rows)
 struct ListServer : ScriptedCalls {
   ListServer()
   {
-    answer(QStringLiteral("GetCompaniesList"), 0, {{0, rowsOf({{QStringLiteral("1"), QStringLiteral("Първа")}, {QStringLiteral("5"), QStringLiteral("Пета")}})}});
-    answer(QStringLiteral("GetBGroupsList"), 0, {{1, rowsOf({{QStringLiteral("7"), QStringLiteral("Склад")}, {QStringLiteral("8"), QStringLiteral("Магазин")}})}});
-    answer(QStringLiteral("GetUsersList"), 0, {{2, rowsOf({{QStringLiteral("AB")}, {QStringLiteral("SUPERVSR")}})}});
+    answer(u"GetCompaniesList"_s, 0, {{0, rowsOf({{u"1"_s, u"Първа"_s}, {u"5"_s, u"Пета"_s}})}});
+    answer(u"GetBGroupsList"_s, 0, {{1, rowsOf({{u"7"_s, u"Склад"_s}, {u"8"_s, u"Магазин"_s}})}});
+    answer(u"GetUsersList"_s, 0, {{2, rowsOf({{u"AB"_s}, {u"SUPERVSR"_s}})}});
   }
 };
 
@@ -40,11 +41,14 @@ class LoginListsTest : public QObject {
     QTest::addColumn<QStringList>("selected");  // company, object, user
     QTest::addColumn<QStringList>("calls");
     const QStringList all{"GetCompaniesList", "GetBGroupsList", "GetUsersList"}, one{"GetCompaniesList"};
-    QTest::newRow("three lines") << QByteArray("[User]\nUser=AB\nObject=8\nCompany=5\n") << QStringList{"5", "8", "AB"} << all;
+    QTest::newRow("three lines") << QByteArray("[User]\nUser=AB\nObject=8\nCompany=5\n") << QStringList{"5", "8", "AB"}
+                                 << all;
     QTest::newRow("by position") << QByteArray("[User]\na=AB\nb=8\nc=5\nd=x\n") << QStringList{"5", "8", "AB"} << all;
     QTest::newRow("two lines") << QByteArray("[User]\nUser=AB\nCompany=5\n") << QStringList{"", "", ""} << one;
-    QTest::newRow("company is gone") << QByteArray("[User]\nUser=AB\nObject=8\nCompany=9\n") << QStringList{"", "", ""} << one;
-    QTest::newRow("object and user are gone") << QByteArray("[User]\nUser=X\nObject=9\nCompany=1\n") << QStringList{"1", "", ""} << all;
+    QTest::newRow("company is gone") << QByteArray("[User]\nUser=AB\nObject=8\nCompany=9\n") << QStringList{"", "", ""}
+                                     << one;
+    QTest::newRow("object and user are gone")
+        << QByteArray("[User]\nUser=X\nObject=9\nCompany=1\n") << QStringList{"1", "", ""} << all;
     QTest::newRow("nothing") << QByteArray() << QStringList{"", "", ""} << one;
   }
   void lastChoiceIsSelected()
@@ -53,15 +57,16 @@ class LoginListsTest : public QObject {
     QFETCH(QStringList, selected);
     QFETCH(QStringList, calls);
     ScratchDocuments documents;
-    QDir().mkpath(documents.path(QStringLiteral("Kalvor")));
-    documents.write(QStringLiteral("Kalvor/client.ini"), file);
-    KalvorClientINIFileName = QStringLiteral("client.ini");
+    QDir().mkpath(documents.path(u"Kalvor"_s));
+    documents.write(u"Kalvor/client.ini"_s, file);
+    KalvorClientINIFileName = u"client.ini"_s;
     ListServer server;
     LoginLists lists(server);
     lists.LoadCombosFromIni();
-    QCOMPARE(QStringList({lists.companies.selectedId(), lists.objects.selectedId(), lists.users.selectedId()}), selected);
+    QCOMPARE(QStringList({lists.companies.selectedId(), lists.objects.selectedId(), lists.users.selectedId()}),
+             selected);
     QCOMPARE(lists.companies.items().size(), 2);
-    QCOMPARE(lists.companies.items()[1].text, QStringLiteral("Пета"));
+    QCOMPARE(lists.companies.items()[1].text, u"Пета"_s);
     QCOMPARE(server.log, calls);
   }
 
@@ -69,28 +74,28 @@ class LoginListsTest : public QObject {
   {
     ListServer server;
     LoginLists lists(server);
-    lists.companies.fill(rowsOf({{QStringLiteral("5"), QStringLiteral("Пета")}}));
-    lists.users.fill(rowsOf({{QStringLiteral("X")}}));
+    lists.companies.fill(rowsOf({{u"5"_s, u"Пета"_s}}));
+    lists.users.fill(rowsOf({{u"X"_s}}));
     lists.companies.select(0);
     lists.companyChanged();
-    QCOMPARE(server.sentOnce(QStringLiteral("GetBGroupsList")), (VariantArray{QStringLiteral("5"), Variant()}));
+    QCOMPARE(server.sentOnce(u"GetBGroupsList"_s), (VariantArray{u"5"_s, Variant()}));
     QCOMPARE(lists.objects.items().size(), 2);
     QVERIFY(lists.users.items().isEmpty());
     lists.objects.select(1);
     lists.objectChanged();
-    QCOMPARE(server.sentOnce(QStringLiteral("GetUsersList")), (VariantArray{QStringLiteral("8"), QStringLiteral("5"), Variant()}));
-    QCOMPARE(lists.users.items()[0].text, QStringLiteral("AB"));
-    QCOMPARE(lists.users.items()[0].store.Id, QStringLiteral("AB"));
+    QCOMPARE(server.sentOnce(u"GetUsersList"_s), (VariantArray{u"8"_s, u"5"_s, Variant()}));
+    QCOMPARE(lists.users.items()[0].text, u"AB"_s);
+    QCOMPARE(lists.users.items()[0].store.Id, u"AB"_s);
   }
 
   void refusedListsStay()
   {
     ListServer server;
     LoginLists lists(server);
-    lists.objects.fill(rowsOf({{QStringLiteral("7"), QStringLiteral("Склад")}}));
-    lists.users.fill(rowsOf({{QStringLiteral("X")}}));
-    server.answer(QStringLiteral("GetBGroupsList"), -1);
-    server.answer(QStringLiteral("GetUsersList"), -1);
+    lists.objects.fill(rowsOf({{u"7"_s, u"Склад"_s}}));
+    lists.users.fill(rowsOf({{u"X"_s}}));
+    server.answer(u"GetBGroupsList"_s, -1);
+    server.answer(u"GetUsersList"_s, -1);
     lists.companyChanged();
     lists.objectChanged();
     QCOMPARE(lists.objects.items().size(), 1);

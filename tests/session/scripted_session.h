@@ -8,20 +8,22 @@
 
 namespace kalvor::testing {
 
+using namespace Qt::StringLiterals;
+
 class ScriptedCalls : public RemoteCalls {
  public:
   using Handler = std::function<Variant(VariantArray& arguments)>;
 
   void Connect() override
   {
-    log << QStringLiteral("Connect");
+    log << u"Connect"_s;
     if (!connectError.isEmpty())
       throw RpcError(RpcError::Unreachable, connectError);
     connected = true;
   }
   void Disconnect() override
   {
-    log << QStringLiteral("Disconnect");
+    log << u"Disconnect"_s;
     connected = false;
   }
   bool Connected() const override { return connected; }
@@ -32,7 +34,7 @@ class ScriptedCalls : public RemoteCalls {
     log << operation;
     sent[operation].append(arguments);
     if (!handlers.contains(operation))
-      throw RpcError(RpcError::UnknownOperation, QStringLiteral("няма ") + operation);
+      throw RpcError(RpcError::UnknownOperation, u"няма "_s + operation);
     return handlers[operation](arguments);
   }
 
@@ -130,27 +132,27 @@ class ScriptedSession {
     AutoLoginData = {};
     auto calls = std::make_unique<ScriptedCalls>();
     server = calls.get();
-    server->answer(QStringLiteral("LogIn"), 0, {{4, QStringLiteral("session-1")}});
-    server->answer(QStringLiteral("servername"), QStringLiteral("Сървър"));
-    server->answer(QStringLiteral("GetConnectionString"), QStringLiteral("Catalog=1"));
-    server->answer(QStringLiteral("RequestValue"), 0);
-    server->answer(QStringLiteral("RequestData"), 0);
-    server->answer(QStringLiteral("DeleteDynamicProvider"), 0);
-    server->handlers[QStringLiteral("CreateDynamicProvider")] = [this](VariantArray& arguments) {
-      arguments[0] = QStringLiteral("P%1").arg(++providers);
+    server->answer(u"LogIn"_s, 0, {{4, u"session-1"_s}});
+    server->answer(u"servername"_s, u"Сървър"_s);
+    server->answer(u"GetConnectionString"_s, u"Catalog=1"_s);
+    server->answer(u"RequestValue"_s, 0);
+    server->answer(u"RequestData"_s, 0);
+    server->answer(u"DeleteDynamicProvider"_s, 0);
+    server->handlers[u"CreateDynamicProvider"_s] = [this](VariantArray& arguments) {
+      arguments[0] = u"P%1"_s.arg(++providers);
       return Variant(arguments[0]);
     };
-    server->handlers[QStringLiteral("OpenProvider")] = [this](VariantArray&) { return Variant::fromValue(packet); };
-    packet = packetOf({QStringLiteral("Id"), QStringLiteral("Comp_id"), QStringLiteral("Settings"), QStringLiteral("UserActions")},
-                      {{QStringLiteral("AB"), QStringLiteral("5"), settings, actions}});
+    server->handlers[u"OpenProvider"_s] = [this](VariantArray&) { return Variant::fromValue(packet); };
+    packet = packetOf({u"Id"_s, u"Comp_id"_s, u"Settings"_s, u"UserActions"_s},
+                      {{u"AB"_s, u"5"_s, settings, actions}});
     dm = std::make_unique<TDM>(host, std::move(calls));
   }
 
-  static inline const QString settings = QStringLiteral("<Root><ExportOptions><Separator>tab</Separator></ExportOptions></Root>");
-  static inline const QString actions = QStringLiteral("<Root><UserActions><is_Cashier>1</is_Cashier></UserActions></Root>");
+  static inline const QString settings = u"<Root><ExportOptions><Separator>tab</Separator></ExportOptions></Root>"_s;
+  static inline const QString actions = u"<Root><UserActions><is_Cashier>1</is_Cashier></UserActions></Root>"_s;
 
-  void load() { dm->LoadLocalData(QStringLiteral("AB"), QStringLiteral("Обект 7"), QStringLiteral("Фирма 5"),
-                                  QStringLiteral("AB"), QStringLiteral("7"), QStringLiteral("5")); }
+  void load() { dm->LoadLocalData(u"AB"_s, u"Обект 7"_s, u"Фирма 5"_s,
+                                  u"AB"_s, u"7"_s, u"5"_s); }
 
   ScriptedHost host;
   ScriptedCalls* server;

@@ -6,6 +6,7 @@
 #include "session/settings_document.h"
 #include "several_tests.h"
 
+using namespace Qt::StringLiterals;
 using namespace kalvor;
 using namespace kalvor::testing;
 
@@ -19,7 +20,7 @@ struct LogScope {
     QStringList lines, found;
     LoadErrorLog(lines);
     for (qsizetype i = 1; i < lines.size(); ++i)
-      if (lines[i] == QStringLiteral("[Процедура]: ") + procedure)
+      if (lines[i] == u"[Процедура]: "_s + procedure)
         found << lines[i - 1];
     return found;
   }
@@ -50,43 +51,52 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     const FixedClock clock(QDateTime(QDate(2024, 3, 5), QTime(9, 30)));
     ScriptedSession session;
-    session.server->handlers[QStringLiteral("RequestValue")] = [](VariantArray& a) -> Variant {
-      if (a[1].toString().startsWith(QStringLiteral("SELECT"))) {
-        a[4] = VariantArray{QStringLiteral("AB"), 3, QStringLiteral("Антон Борисов"), QStringLiteral("Фирма")};
+    session.server->handlers[u"RequestValue"_s] = [](VariantArray& a) -> Variant {
+      if (a[1].toString().startsWith(u"SELECT"_s)) {
+        a[4] = VariantArray{u"AB"_s, 3, u"Антон Борисов"_s, u"Фирма"_s};
         return 1;
       }
-      if (a[1] == Variant(QStringLiteral("C_CompanySetup"))) {
-        a[4] = VariantArray{Variant(VariantArray{1, 0, 2, 5, QStringLiteral("BGN")})};
+      if (a[1] == Variant(u"C_CompanySetup"_s)) {
+        a[4] = VariantArray{Variant(VariantArray{1, 0, 2, 5, u"BGN"_s})};
         return 1;
       }
       a[4] = 1;
       return 1;
     };
     session.load();
-    QCOMPARE(log.messages(QStringLiteral("TDM.LoadLocalData")), QStringList());
-    QCOMPARE(LocalData.EmployeeName, QStringLiteral("Антон Борисов"));
-    QCOMPARE(LocalData.ServerName, QStringLiteral("Сървър"));
-    QCOMPARE(LocalData.ConnectionString, QStringLiteral("Catalog=1"));
+    QCOMPARE(log.messages(u"TDM.LoadLocalData"_s), QStringList());
+    QCOMPARE(LocalData.EmployeeName, u"Антон Борисов"_s);
+    QCOMPARE(LocalData.ServerName, u"Сървър"_s);
+    QCOMPARE(LocalData.ConnectionString, u"Catalog=1"_s);
     QCOMPARE(LocalData.LoginTime, clock.now());
     QCOMPARE(LocalData.CheckBulstat, 1);
     QCOMPARE(LocalData.CheckTaxNo, 0);
     QCOMPARE(LocalData.PrecisionAmount, 2);
     QCOMPARE(LocalData.PrecisionPrice, 5);
-    QCOMPARE(LocalData.Currency_LCY, QStringLiteral("BGN"));
+    QCOMPARE(LocalData.Currency_LCY, u"BGN"_s);
     QVERIFY(LocalData.ChangeCalculation);
-    const QList<VariantArray> asked = session.server->sent.value(QStringLiteral("RequestValue"));
+    const QList<VariantArray> asked = session.server->sent.value(u"RequestValue"_s);
     const auto row = [](const QString& field, const QString& value, const QString& conjunction) {
-      return Variant(VariantArray{field, QStringLiteral("="), value, conjunction});
+      return Variant(VariantArray{field, u"="_s, value, conjunction});
     };
     QCOMPARE(asked.size(), 3);
-    QCOMPARE(asked[0], (VariantArray{0, QStringLiteral("C_CompanySetup"),
-                                     QStringLiteral("CheckBulstat,CheckTaxNo,PrecisionAmount,PrecisionPrice,Currency_LCY"),
-                                     VariantArray{row(QStringLiteral("Id"), QStringLiteral("5"), QString())}, Variant(), true}));
-    QCOMPARE(asked[1], (VariantArray{-1, QStringLiteral("SELECT N_Users.Id AS N_Users_Id, N_Users.Employee_Id AS N_Users_Employee_Id, N_Employee.Name AS N_Employee_Name,  N_Company.Name AS N_Company_Name FROM N_Users  INNER JOIN N_Employee ON N_Employee.ID = N_Users.Employee_Id AND N_Employee.Comp_id = N_Users.Comp_id INNER JOIN N_Company ON N_Company.Id = N_Users.Comp_id"),
-                                     QString(), VariantArray{row(QStringLiteral("N_Users.Id"), QStringLiteral("AB"), QStringLiteral("AND")),
-                                                             row(QStringLiteral("N_Users.Comp_id"), QStringLiteral("5"), QString())}, Variant(), false}));
-    QCOMPARE(asked[2], (VariantArray{0, QStringLiteral("C_SalesSetup"), QStringLiteral("ChangeCalculation"),
-                                     VariantArray{row(QStringLiteral("C_SalesSetup.Id"), QStringLiteral("5"), QString())}, Variant(), false}));
+    QCOMPARE(asked[0], (VariantArray{0, u"C_CompanySetup"_s,
+                                     u"CheckBulstat,CheckTaxNo,PrecisionAmount,PrecisionPrice,Currency_LCY"_s,
+                                     VariantArray{row(u"Id"_s, u"5"_s, QString())}, Variant(), true}));
+    QCOMPARE(
+        asked[1],
+        (VariantArray{
+            -1,
+            u"SELECT N_Users.Id AS N_Users_Id, N_Users.Employee_Id AS N_Users_Employee_Id, N_Employee.Name AS "
+            u"N_Employee_Name,  N_Company.Name AS N_Company_Name FROM N_Users  INNER JOIN N_Employee ON N_Employee.ID "
+            u"= "
+            u"N_Users.Employee_Id AND N_Employee.Comp_id = N_Users.Comp_id INNER JOIN N_Company ON N_Company.Id = "
+            u"N_Users.Comp_id"_s,
+            QString(),
+            VariantArray{row(u"N_Users.Id"_s, u"AB"_s, u"AND"_s), row(u"N_Users.Comp_id"_s, u"5"_s, QString())},
+            Variant(), false}));
+    QCOMPARE(asked[2], (VariantArray{0, u"C_SalesSetup"_s, u"ChangeCalculation"_s,
+                                     VariantArray{row(u"C_SalesSetup.Id"_s, u"5"_s, QString())}, Variant(), false}));
   }
 
   void settingsAreLoaded()
@@ -94,13 +104,13 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     ScriptedSession session;
     session.load();
-    QCOMPARE(session.server->sentOnce(QStringLiteral("RequestData")),
-             (VariantArray{487, -1, QStringLiteral("P1"), Variant(), QString(),
-                           VariantArray{Variant(VariantArray{QStringLiteral("ID"), QStringLiteral("AB")}),
-                                        Variant(VariantArray{QStringLiteral("Comp_ID"), QStringLiteral("5")})}, Variant(), 0}));
-    QCOMPARE(session.server->sentOnce(QStringLiteral("OpenProvider")), (VariantArray{QStringLiteral("P1"), -1}));
-    QCOMPARE(group(session.dm->userSettingsDocument(), QStringLiteral("ExportOptions")), QStringList{"Separator=tab"});
-    QCOMPARE(group(session.dm->userActionsDocument(), QStringLiteral("UserActions")), QStringList{"is_Cashier=1"});
+    QCOMPARE(session.server->sentOnce(u"RequestData"_s),
+             (VariantArray{487, -1, u"P1"_s, Variant(), QString(),
+                           VariantArray{Variant(VariantArray{u"ID"_s, u"AB"_s}),
+                                        Variant(VariantArray{u"Comp_ID"_s, u"5"_s})}, Variant(), 0}));
+    QCOMPARE(session.server->sentOnce(u"OpenProvider"_s), (VariantArray{u"P1"_s, -1}));
+    QCOMPARE(group(session.dm->userSettingsDocument(), u"ExportOptions"_s), QStringList{"Separator=tab"});
+    QCOMPARE(group(session.dm->userActionsDocument(), u"UserActions"_s), QStringList{"is_Cashier=1"});
     QVERIFY(!session.dm->cdsUserSettings.FieldByName(u"UserActions")->InUpdate);
   }
 
@@ -110,9 +120,9 @@ class SessionLoadTest : public QObject {
     QTest::addColumn<int>("rows");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("message");
-    const QString failed = QStringLiteral("[Грешка]: Грешка при извличане на настройки за потребителя!");
+    const QString failed = u"[Грешка]: Грешка при извличане на настройки за потребителя!"_s;
     QTest::newRow("refused") << -1 << 1 << "" << failed;
-    const QString count = failed + QStringLiteral("\n\rНе е намерен запис в базата или е намерен повече от един!");
+    const QString count = failed + u"\n\rНе е намерен запис в базата или е намерен повече от един!"_s;
     QTest::newRow("no row") << 0 << 0 << "" << count;
     QTest::newRow("two rows") << 0 << 2 << "" << count;
     QTest::newRow("no XML") << 0 << 1 << "<Root>" << failed;
@@ -126,17 +136,17 @@ class SessionLoadTest : public QObject {
     QFETCH(QString, message);
     const LogScope log;
     ScriptedSession session;
-    session.server->answer(QStringLiteral("RequestData"), result);
-    session.packet = packetOf({QStringLiteral("Id"), QStringLiteral("Comp_id"), QStringLiteral("Settings"), QStringLiteral("UserActions")},
-                              QList<VariantArray>(rows, {QStringLiteral("AB"), QStringLiteral("5"), text, QString()}));
+    session.server->answer(u"RequestData"_s, result);
+    session.packet = packetOf({u"Id"_s, u"Comp_id"_s, u"Settings"_s, u"UserActions"_s},
+                              QList<VariantArray>(rows, {u"AB"_s, u"5"_s, text, QString()}));
     session.load();
-    QVERIFY2(log.text().contains(message + QStringLiteral("\r\n[Процедура]: TDM.LoadLocalData")), qPrintable(log.text()));
+    QVERIFY2(log.text().contains(message + u"\r\n[Процедура]: TDM.LoadLocalData"_s), qPrintable(log.text()));
     QVERIFY(!session.dm->userSettingsDocument());
     QCOMPARE(session.dm->UserLogOff(), 0);
     QCOMPARE(session.dm->GetUserDataForUpdate(), QString());
-    session.server->answer(QStringLiteral("UpdateUserSettings"), 0);
+    session.server->answer(u"UpdateUserSettings"_s, 0);
     session.dm->DataModuleDestroy();
-    QVERIFY(!session.server->log.contains(QStringLiteral("UpdateUserSettings")));
+    QVERIFY(!session.server->log.contains(u"UpdateUserSettings"_s));
   }
 
   void secondUserIsAppended()
@@ -144,22 +154,22 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     ScriptedSession session;
     session.load();
-    session.server->handlers[QStringLiteral("RequestValue")] = [](VariantArray& a) -> Variant {
-      if (!a[1].toString().startsWith(QStringLiteral("exec")))
+    session.server->handlers[u"RequestValue"_s] = [](VariantArray& a) -> Variant {
+      if (!a[1].toString().startsWith(u"exec"_s))
         return 0;
-      a[4] = VariantArray{QStringLiteral("O'N"), QStringLiteral("5"), QStringLiteral("<Root><A><b>1</b></A></Root>"), QString()};
+      a[4] = VariantArray{u"O'N"_s, u"5"_s, u"<Root><A><b>1</b></A></Root>"_s, QString()};
       return 1;
     };
-    session.dm->LoadLocalData(QString(), QString(), QString(), QStringLiteral("O'N"), QStringLiteral("7"), QStringLiteral("5"));
-    QCOMPARE(log.messages(QStringLiteral("TDM.LoadLocalData")), QStringList());
-    QCOMPARE(session.server->sent.value(QStringLiteral("RequestValue")).last().value(1),
-             QVariant(QStringLiteral("exec dbo.usp_GetUserSettings 'O''N', '5'")));
+    session.dm->LoadLocalData(QString(), QString(), QString(), u"O'N"_s, u"7"_s, u"5"_s);
+    QCOMPARE(log.messages(u"TDM.LoadLocalData"_s), QStringList());
+    QCOMPARE(session.server->sent.value(u"RequestValue"_s).last().value(1),
+             QVariant(u"exec dbo.usp_GetUserSettings 'O''N', '5'"_s));
     QCOMPARE(session.dm->cdsUserSettings.RecordCount(), 2);
-    QCOMPARE(group(session.dm->userSettingsDocument(), QStringLiteral("A")), QStringList{"b=1"});
+    QCOMPARE(group(session.dm->userSettingsDocument(), u"A"_s), QStringList{"b=1"});
     // The first one again: found, nothing asked.
     session.load();
-    QCOMPARE(session.server->sent.value(QStringLiteral("RequestData")).size(), 1);
-    QCOMPARE(group(session.dm->userSettingsDocument(), QStringLiteral("ExportOptions")), QStringList{"Separator=tab"});
+    QCOMPARE(session.server->sent.value(u"RequestData"_s).size(), 1);
+    QCOMPARE(group(session.dm->userSettingsDocument(), u"ExportOptions"_s), QStringList{"Separator=tab"});
   }
 
   void savedStatement()
@@ -168,13 +178,15 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     ScriptedSession session;
     QCOMPARE(session.dm->GetUserDataForUpdate(), QString());
-    session.packet = packetOf({QStringLiteral("Id"), QStringLiteral("Comp_id"), QStringLiteral("Settings"), QStringLiteral("UserActions")},
-                              {{QStringLiteral("AB"), QStringLiteral("5"), QStringLiteral("<Root a=\"'\"/>"), QString()}});
+    session.packet = packetOf({u"Id"_s, u"Comp_id"_s, u"Settings"_s, u"UserActions"_s},
+                              {{u"AB"_s, u"5"_s, u"<Root a=\"'\"/>"_s, QString()}});
     session.load();
-    QCOMPARE(session.dm->GetUserDataForUpdate(),
-             QStringLiteral("IF Exists (Select Id from s_UserSettings where Id = 'AB' and Comp_Id = '5')Update s_UserSettings Set "
-                            "settings = '<Root a=\"''\"/>',C_dateTime='20240305', C_Businessgroup_Id='7', C_User_Id='AB'where Id = "
-                            "'AB' and Comp_Id = '5'ELSE insert into s_UserSettings values ('AB','5','<Root a=\"''\"/>','7','AB','20240305')"));
+    QCOMPARE(
+        session.dm->GetUserDataForUpdate(),
+        u"IF Exists (Select Id from s_UserSettings where Id = 'AB' and Comp_Id = '5')Update s_UserSettings Set "
+        u"settings = '<Root a=\"''\"/>',C_dateTime='20240305', C_Businessgroup_Id='7', C_User_Id='AB'where Id = "
+        u"'AB' and Comp_Id = '5'ELSE insert into s_UserSettings values ('AB','5',"
+        u"'<Root a=\"''\"/>','7','AB','20240305')"_s);
   }
 
   void changedSettingsAreSentAtTheEnd()
@@ -182,17 +194,19 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     ScriptedSession session;
     session.load();
-    SaveNodeToXml(*session.dm->userSettingsDocument(), QStringLiteral("IniOptions"), {QStringLiteral("Grids=-1")}, false);
+    SaveNodeToXml(*session.dm->userSettingsDocument(), u"IniOptions"_s, {u"Grids=-1"_s}, false);
     session.dm->UserLogOff();
-    session.server->answer(QStringLiteral("UpdateUserSettings"), 0);
+    session.server->answer(u"UpdateUserSettings"_s, 0);
     session.dm->DataModuleDestroy();
-    const VariantArray sent = session.server->sentOnce(QStringLiteral("UpdateUserSettings"));
-    QCOMPARE(sent.value(1), QVariant(QStringLiteral("'AB'")));
+    const VariantArray sent = session.server->sentOnce(u"UpdateUserSettings"_s);
+    QCOMPARE(sent.value(1), QVariant(u"'AB'"_s));
     QCOMPARE(sent.value(0).toList().size(), 1);
-    QCOMPARE(sent.value(0).toList().value(0).toString(),
-             QStringLiteral("<Root><ExportOptions><Separator>tab</Separator></ExportOptions><IniOptions><Grids>-1</Grids></IniOptions></Root>"));
+    QCOMPARE(
+        sent.value(0).toList().value(0).toString(),
+        u"<Root><ExportOptions><Separator>tab</Separator></ExportOptions>"
+        u"<IniOptions><Grids>-1</Grids></IniOptions></Root>"_s);
     session.dm->DataModuleDestroy();
-    QCOMPARE(session.server->sent.value(QStringLiteral("UpdateUserSettings")).size(), 1);
+    QCOMPARE(session.server->sent.value(u"UpdateUserSettings"_s).size(), 1);
   }
 
   void refusedSettingsAreLogged()
@@ -200,11 +214,11 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     ScriptedSession session;
     session.load();
-    SaveNodeToXml(*session.dm->userSettingsDocument(), QStringLiteral("IniOptions"), {QStringLiteral("Grids=-1")}, false);
+    SaveNodeToXml(*session.dm->userSettingsDocument(), u"IniOptions"_s, {u"Grids=-1"_s}, false);
     session.dm->UserLogOff();
-    session.server->answer(QStringLiteral("UpdateUserSettings"), 5);
+    session.server->answer(u"UpdateUserSettings"_s, 5);
     session.dm->DataModuleDestroy();
-    QCOMPARE(log.messages(QStringLiteral("TDM.DataModuleDestroy")), QStringList{"[Грешка]: Error applying user settings"});
+    QCOMPARE(log.messages(u"TDM.DataModuleDestroy"_s), QStringList{"[Грешка]: Error applying user settings"});
   }
 
   void unchangedSettingsAreNotSent()
@@ -213,7 +227,7 @@ class SessionLoadTest : public QObject {
     ScriptedSession session;
     session.load();
     session.dm->DataModuleDestroy();
-    QVERIFY(!session.server->log.contains(QStringLiteral("UpdateUserSettings")));
+    QVERIFY(!session.server->log.contains(u"UpdateUserSettings"_s));
   }
 
   void printedCopiesAreCounted()
@@ -221,15 +235,18 @@ class SessionLoadTest : public QObject {
     const LogScope log;
     ScriptedSession session;
     session.load();
-    session.server->answer(QStringLiteral("ExecuteSQLScript"), 0);
-    QVERIFY(session.dm->SetDocCopiesPrinted(QStringLiteral("D_SaleInvoiceHeader"), QStringLiteral("1'2"), QStringLiteral("CopiesPrinted")));
-    QCOMPARE(session.server->sentOnce(QStringLiteral("ExecuteSQLScript")),
-             (VariantArray{QStringLiteral("UPDATE D_SaleInvoiceHeader SET CopiesPrinted = CopiesPrinted + 1 WHERE ID = '1''2' AND Comp_Id = '5'")}));
-    session.server->answer(QStringLiteral("ExecuteSQLScript"), -1);
-    QVERIFY(!session.dm->SetDocCopiesPrinted(QStringLiteral("T"), QStringLiteral("1"), QStringLiteral("F")));
-    session.server->handlers.remove(QStringLiteral("ExecuteSQLScript"));
-    QVERIFY(!session.dm->SetDocCopiesPrinted(QStringLiteral("T"), QStringLiteral("1"), QStringLiteral("F")));
-    QCOMPARE(log.messages(QStringLiteral("DM.SetDocCopiesPrinted")).size(), 1);
+    session.server->answer(u"ExecuteSQLScript"_s, 0);
+    QVERIFY(session.dm->SetDocCopiesPrinted(u"D_SaleInvoiceHeader"_s, u"1'2"_s, u"CopiesPrinted"_s));
+    QCOMPARE(
+        session.server->sentOnce(u"ExecuteSQLScript"_s),
+        (VariantArray{
+            u"UPDATE D_SaleInvoiceHeader SET CopiesPrinted = CopiesPrinted + 1 "
+            u"WHERE ID = '1''2' AND Comp_Id = '5'"_s}));
+    session.server->answer(u"ExecuteSQLScript"_s, -1);
+    QVERIFY(!session.dm->SetDocCopiesPrinted(u"T"_s, u"1"_s, u"F"_s));
+    session.server->handlers.remove(u"ExecuteSQLScript"_s);
+    QVERIFY(!session.dm->SetDocCopiesPrinted(u"T"_s, u"1"_s, u"F"_s));
+    QCOMPARE(log.messages(u"DM.SetDocCopiesPrinted"_s).size(), 1);
   }
 
   void datasetsOfTheSession_data()
@@ -253,19 +270,19 @@ class SessionLoadTest : public QObject {
     QFETCH(bool, active);
     const LogScope log;
     ScriptedSession session;
-    session.server->answer(QStringLiteral("RequestData"), result);
-    const FilterArray filter{{QStringLiteral("Form_Id"), QStringLiteral("="), 10, QString(), QString()}};
+    session.server->answer(u"RequestData"_s, result);
+    const FilterArray filter{{u"Form_Id"_s, u"="_s, 10, QString(), QString()}};
     const TClientDataSet* dataSet = session.dm->CreateCDS(formId, filter, open);
     QCOMPARE(dataSet != nullptr, made);
     if (!dataSet)
       return;
-    QCOMPARE(dataSet->objectName(), QStringLiteral("cdsP1"));
-    QCOMPARE(dataSet->ProviderName, QStringLiteral("P1"));
+    QCOMPARE(dataSet->objectName(), u"cdsP1"_s);
+    QCOMPARE(dataSet->ProviderName, u"P1"_s);
     QCOMPARE(dataSet->Active(), active);
     QCOMPARE(dataSet->parent(), session.dm.get());
     if (active)
-      QCOMPARE(session.server->sentOnce(QStringLiteral("RequestData")).mid(0, 4),
-               (VariantArray{formId, -1, QStringLiteral("P1"), filterToVariant(filter)}));
+      QCOMPARE(session.server->sentOnce(u"RequestData"_s).mid(0, 4),
+               (VariantArray{formId, -1, u"P1"_s, filterToVariant(filter)}));
   }
 
   void rightsAreFetchedOncePerOwner()
@@ -274,42 +291,42 @@ class SessionLoadTest : public QObject {
     ScriptedSession session;
     session.load();
     const auto rights = [&](const QString& owner) {
-      return packetOf({QStringLiteral("FormId"), QStringLiteral("Owner")}, {{QStringLiteral("10"), owner}, {QStringLiteral("20"), owner}});
+      return packetOf({u"FormId"_s, u"Owner"_s}, {{u"10"_s, owner}, {u"20"_s, owner}});
     };
-    session.packet = rights(QStringLiteral("65_66_5_7"));
+    session.packet = rights(u"65_66_5_7"_s);
     session.server->sent.clear();
-    session.dm->LoadLogInData(QStringLiteral("a;b"));
-    QCOMPARE(session.server->sentOnce(QStringLiteral("RequestData")),
-             (VariantArray{103, 0, QStringLiteral("P2"), Variant(), QString(),
-                           VariantArray{Variant(VariantArray{QStringLiteral("Comp_Id"), QStringLiteral("5")}),
-                                        Variant(VariantArray{QStringLiteral("Bg_Id"), QStringLiteral("7")}),
-                                        Variant(VariantArray{QStringLiteral("User_id"), QStringLiteral("AB")}),
-                                        Variant(VariantArray{QStringLiteral("isAdmin"), 0})}, Variant(), 0}));
+    session.dm->LoadLogInData(u"a;b"_s);
+    QCOMPARE(session.server->sentOnce(u"RequestData"_s),
+             (VariantArray{103, 0, u"P2"_s, Variant(), QString(),
+                           VariantArray{Variant(VariantArray{u"Comp_Id"_s, u"5"_s}),
+                                        Variant(VariantArray{u"Bg_Id"_s, u"7"_s}),
+                                        Variant(VariantArray{u"User_id"_s, u"AB"_s}),
+                                        Variant(VariantArray{u"isAdmin"_s, 0})}, Variant(), 0}));
     QCOMPARE(session.dm->cdsTreeView.RecordCount(), 2);
-    QCOMPARE(session.server->sentOnce(QStringLiteral("DeleteDynamicProvider")), VariantArray{QStringLiteral("P2")});
+    QCOMPARE(session.server->sentOnce(u"DeleteDynamicProvider"_s), VariantArray{u"P2"_s});
     QCOMPARE(session.dm->cdsTreeView.ProviderName, QString());
 
     session.server->sent.clear();
     session.dm->LoadLogInData(QString());
     QVERIFY(session.server->sent.isEmpty());
 
-    LocalData.UserId = QStringLiteral("SUPERVSR");
-    const QString administrator = QStringLiteral("83_85_80_69_82_86_83_82_5_7");
+    LocalData.UserId = u"SUPERVSR"_s;
+    const QString administrator = u"83_85_80_69_82_86_83_82_5_7"_s;
     session.packet = rights(administrator);
     session.dm->LoadLogInData(QString());
-    QCOMPARE(session.server->sentOnce(QStringLiteral("RequestData")).value(5).toList().value(3).toList().value(1), QVariant(1));
+    QCOMPARE(session.server->sentOnce(u"RequestData"_s).value(5).toList().value(3).toList().value(1), QVariant(1));
     QCOMPARE(session.dm->cdsTreeView.RecordCount(), 2);
     QCOMPARE(session.dm->cdsTreeView.FieldByName(u"Owner")->AsString(), administrator);
     QCOMPARE(session.dm->cdsTreeView.Records().rows, 4);
     QCOMPARE(session.dm->cdsTreeView.ChangeCount(), 0);
-    QCOMPARE(session.server->sentOnce(QStringLiteral("DeleteDynamicProvider")), VariantArray{QStringLiteral("P3")});
+    QCOMPARE(session.server->sentOnce(u"DeleteDynamicProvider"_s), VariantArray{u"P3"_s});
 
-    LocalData.UserId = QStringLiteral("AB");
+    LocalData.UserId = u"AB"_s;
     session.server->sent.clear();
     session.dm->LoadLogInData(QString());
     QVERIFY(session.server->sent.isEmpty());
     QCOMPARE(session.dm->cdsTreeView.RecordCount(), 2);
-    QCOMPARE(log.messages(QStringLiteral("DM.LoadLogInData")), QStringList());
+    QCOMPARE(log.messages(u"DM.LoadLogInData"_s), QStringList());
   }
 
   void refusedRightsReleaseTheirProvider_data()
@@ -325,13 +342,13 @@ class SessionLoadTest : public QObject {
     QFETCH(bool, loaded);
     const LogScope log;
     ScriptedSession session;
-    session.server->answer(QStringLiteral("RequestData"), result);
-    session.packet = packetOf({QStringLiteral("FormId"), QStringLiteral("Owner")}, {});
+    session.server->answer(u"RequestData"_s, result);
+    session.packet = packetOf({u"FormId"_s, u"Owner"_s}, {});
     session.dm->LoadLogInData(QString());
     QCOMPARE(session.dm->cdsTreeView.Active(), loaded);
-    QCOMPARE(log.messages(QStringLiteral("DM.LoadLogInData")),
+    QCOMPARE(log.messages(u"DM.LoadLogInData"_s),
              loaded ? QStringList() : QStringList{"[Грешка]: Грешка при извличане на данни за потребителя!"});
-    QCOMPARE(session.server->sent.value(QStringLiteral("DeleteDynamicProvider")).size(), 1);
+    QCOMPARE(session.server->sent.value(u"DeleteDynamicProvider"_s).size(), 1);
   }
 };
 

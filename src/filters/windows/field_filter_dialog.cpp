@@ -26,7 +26,7 @@ namespace kalvor {
 
 namespace {
 
-constexpr int valueWidth = 300;
+constexpr int valueWidth = 420;
 const QString yesText = QStringLiteral("Да");
 const QString noText = QStringLiteral("Не");
 
@@ -49,15 +49,36 @@ bool isWild(QChar character)
   return character == u'*' || character == u'%';
 }
 
-QString hintFor(const TField* field)
+QString hintFor(const TField* field, bool fullMatch)
 {
   if (isDateType(field->FieldDataType())) {
-    return QStringLiteral("Пример: 15.01.2024, 01.01.2024..31.01.2024, >=-1м, -7д..");
+    return QStringLiteral("15.01.2026, 01.01.2026..31.01.2026, >=-1м (от месец насам), -7д..+0д");
   }
   if (isNumericType(field->FieldDataType())) {
-    return QStringLiteral("Пример: 100, 10..20, >=50, <>0, 5|7");
+    return QStringLiteral("100, 10..20, >=50, <>0, 5|7 (едно от двете)");
   }
-  return QStringLiteral("Пример: С* започва със С, *ООД завършва на ООД, А|Б едно от двете, = празно");
+  return fullMatch ? QStringLiteral("С* започва със С, *ООД завършва на ООД, А|Б едно от двете, А..Б от А до Б, = празно")
+                   : QStringLiteral("Търси се навсякъде в текста. За С*, А|Б, А..Б и = изберете „Пълно съвпадение“.");
+}
+
+// Different texts of the column among the records that are here already.
+QStringList knownValues(const TField* field)
+{
+  constexpr qsizetype mostRecords = 500;
+  constexpr qsizetype mostValues = 50;
+  QStringList texts;
+  const qsizetype records = std::min(field->DataSet()->RecordCount(), mostRecords);
+  for (qsizetype row = 0; row < records && texts.size() < mostValues; ++row) {
+    const QString text = field->FormatValue(field->ValueAt(row));
+    if (!text.isEmpty() && !texts.contains(text)) {
+      texts.append(text);
+    }
+  }
+  if (isTextType(field->FieldDataType())) {
+    std::sort(texts.begin(), texts.end(),
+              [](const QString& a, const QString& b) { return QString::localeAwareCompare(a, b) < 0; });
+  }
+  return texts;
 }
 
 }  // namespace
@@ -127,7 +148,8 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
   d->value->setMinimumWidth(valueWidth);
   d->value->setAccessibleName(title);
   caption->setBuddy(d->value);
-  auto* hint = new QLabel(hintFor(field), this);
+  auto* hint = new QLabel(hintFor(field, false), this);
+  hint->setWordWrap(true);
   QPalette quiet = hint->palette();
   quiet.setColor(QPalette::WindowText, theme().quietText);
   hint->setPalette(quiet);
@@ -135,6 +157,7 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
   d->addToFilter->setObjectName(QStringLiteral("chkAddToFilter"));
   d->fullMatch = new QCheckBox(QStringLiteral("&Пълно съвпадение"), this);
   d->fullMatch->setObjectName(QStringLiteral("chkFullMatch"));
+  connect(d->fullMatch, &QCheckBox::toggled, hint, [hint, field](bool on) { hint->setText(hintFor(field, on)); });
   const bool typed = d->kind != Private::Kind::Options && d->kind != Private::Kind::YesNo;
   d->fullMatch->setVisible(typed && isTextType(field->FieldDataType()));
   hint->setVisible(typed);
@@ -166,7 +189,9 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
   } else if (d->kind == Private::Kind::YesNo) {
     d->value->addItems({yesText, noText});
   } else {
+    d->value->addItems(knownValues(field));
     d->value->setEditable(true);
+    d->value->setInsertPolicy(QComboBox::NoInsert);
     d->value->setCompleter(nullptr);
     if (d->kind == Private::Kind::Date && (field->FieldDataType() == DataType::Date ||
                                            field->FieldDataType() == DataType::DateTime)) {

@@ -39,6 +39,7 @@ TfBaseBrowse::TfBaseBrowse(QWidget* parent)
   cdsMaster_->setObjectName(QStringLiteral("cdsMaster"));
   dbgMaster_->setObjectName(QStringLiteral("dbgMaster"));
   dbgMaster_->setDataSet(cdsMaster_);
+  dbgMaster_->setFrameShape(QFrame::NoFrame);
   dbgMaster_->setMultiSelect(true);
   dbgMaster_->setReadOnly(true);
   dbgMaster_->setAccessibleName(QStringLiteral("Списък"));

@@ -1,5 +1,6 @@
 // Forms with the master on pages, and with its lines below.
 #include <QSplitter>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -11,6 +12,7 @@
 #include "forms/windows/grid_totals.h"
 #include "forms/windows/record_layout.h"
 #include "platform/ports.h"
+#include "widgets/data_control.h"
 #include "widgets/db_grid_ex.h"
 #include "widgets/theme.h"
 
@@ -32,6 +34,7 @@ TfBaseEditMaster::TfBaseEditMaster(QWidget* parent) : TfBaseEdit(parent), pcMast
   pcMaster_->setObjectName(QStringLiteral("pcMaster"));
   pcMaster_->setDocumentMode(true);
   pcMaster_->setTabBarAutoHide(true);
+  pcMaster_->tabBar()->setFocusPolicy(Qt::NoFocus);  // pages have their own keys, Alt and the number
   resize(cardSize);
 }
 
@@ -71,6 +74,7 @@ TfBaseEditMasterDetail::TfBaseEditMasterDetail(QWidget* parent)
   dbgDetail_->setObjectName(QStringLiteral("dbgDetail"));
   dbgDetail_->setAccessibleName(QStringLiteral("Редове"));
   dbgDetail_->setDataSet(cdsDetail_);
+  dbgDetail_->setFrameShape(QFrame::NoFrame);
   dbgDetail_->setInCellEditing(true);
   dbgDetail_->setMultiSelect(true);
   addNamedAction(QStringLiteral("acToggleMasterDetail"), QStringLiteral("Сменя заглавие/редове"),
@@ -84,6 +88,11 @@ void TfBaseEditMasterDetail::buildLayout()
     return;
   }
   buildPages(headerRowsPerColumn);
+  for (QWidget* page : pcMaster_->findChildren<QWidget*>()) {
+    if (DataControl::of(page)) {
+      setTabOrder(page, dbgDetail_);
+    }
+  }
   splitter_ = new QSplitter(Qt::Vertical, this);
   splitter_->setChildrenCollapsible(false);
   splitter_->setHandleWidth(spacing::tight);

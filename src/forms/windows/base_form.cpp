@@ -14,16 +14,20 @@ FormRefusal::FormRefusal(const QString& message) : DataError(message) {}
 FormRefusal::~FormRefusal() = default;
 
 TfBase::Private::Private(TfBase* form)
-    : actions(form, [form](const QString& context, const std::function<void()>& body) { form->runGuarded(context, body); })
+    : actions(form, [form](const QString& context, const std::function<void()>& body) { form->runGuarded(context, body); }),
+      selectors(form)
 {
 }
 
-TfBase::TfBase(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>(this))
+TfBase::TfBase(QWidget* parent) : QWidget(parent)
 {
+  // Not before: the actions' own creation comes to event().
+  d = std::make_unique<Private>(this);
   d->uniqueId = CreateUniqueID();
   d->gridMenu = new QMenu(this);
   setFocusPolicy(Qt::NoFocus);
   bindActions();
+  bindSelectors();
 }
 
 TfBase::~TfBase()

@@ -125,21 +125,35 @@ void TfBase::CDS_AfterOpen(TClientDataSet* dataSet)
     TCDSOptions& entry = *GetCdsOpts(dataSet);
     if (!entry.MetadataApplied && !entry.FieldDescriptions.isEmpty()) {
       applyFieldDescriptions(*dataSet, entry.FieldDescriptions);
-      for (TField* field : dataSet->Fields()) {
-        field->OnValidate = [this, own = field->OnValidate](TField* changed) {
-          FieldOnValidate(changed);
-          if (own) {
-            own(changed);
-          }
-        };
-      }
+      hookFields(entry);
       entry.MetadataApplied = true;
       dataSet->UpdateLayout();
     }
     callDisplaced(entry.AfterOpen, dataSet);
+    d->selectors.dataSetOpened(dataSet);
+    if (d->stage == Private::Stage::Shown) {
+      makeFieldSelectors(dataSet);
+    }
     AttachDynamicAggregateEvents(dataSet);
   };
   raisingLogged(QStringLiteral("TfBase.CDS_AfterOpen"), open);
+}
+
+// Fields outlive closing, and a filter applies the metadata again: each is hooked once.
+void TfBase::hookFields(TCDSOptions& entry)
+{
+  for (TField* field : entry.DataSet->Fields()) {
+    if (entry.HookedFields.contains(field->FieldName())) {
+      continue;
+    }
+    entry.HookedFields.insert(field->FieldName());
+    field->OnValidate = [this, own = field->OnValidate](TField* changed) {
+      FieldOnValidate(changed);
+      if (own) {
+        own(changed);
+      }
+    };
+  }
 }
 
 void TfBase::CDS_AfterClose(TClientDataSet* dataSet)
@@ -149,11 +163,13 @@ void TfBase::CDS_AfterClose(TClientDataSet* dataSet)
 
 void TfBase::CDS_BeforeClose(TClientDataSet* dataSet)
 {
+  d->selectors.dataSetClosing(dataSet);
   callDisplaced(GetCdsOpts(dataSet)->BeforeClose, dataSet);
 }
 
 void TfBase::CDS_AfterScroll(TClientDataSet* dataSet)
 {
+  d->selectors.dataSetScrolled(dataSet);
   callDisplaced(GetCdsOpts(dataSet)->AfterScroll, dataSet);
   if (dataSet == GetCdsMaster()) {
     refreshCaption();

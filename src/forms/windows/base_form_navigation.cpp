@@ -115,13 +115,17 @@ void TfBase::focusField(TField* field)
 
 void TfBase::focusFirstControl()
 {
-  for (QWidget* widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain()) {
+  QWidget* first = nullptr;
+  for (QWidget* widget = nextInFocusChain(); widget != this && !first; widget = widget->nextInFocusChain()) {
     const DataControl* control = DataControl::of(widget);
     const bool editable = control && control->field() && widget->isEnabled() && !control->readOnly();
-    if (isAncestorOf(widget) && widget->isVisibleTo(this) && (editable || qobject_cast<TDBGrid*>(widget))) {
-      widget->setFocus(Qt::TabFocusReason);
-      return;
+    if (editable && isAncestorOf(widget) && widget->isVisibleTo(this)) {
+      first = widget;
     }
+  }
+  first = first ? first : findChild<TDBGrid*>();
+  if (first) {
+    first->setFocus(Qt::TabFocusReason);
   }
 }
 
@@ -129,7 +133,7 @@ void TfBase::focusFirstControl()
 
 bool TfBase::event(QEvent* event)
 {
-  if (d->stage == Private::Stage::Shown && !d->hosted) {
+  if (d && d->stage == Private::Stage::Shown && !d->hosted) {
     if (event->type() == QEvent::WindowActivate) {
       FormActivate();
     } else if (event->type() == QEvent::WindowDeactivate) {
@@ -168,7 +172,8 @@ void TfBase::SetFormCaption(const QString& caption, const QString& fields)
   QString title = caption;
   const TClientDataSet* master = GetCdsMaster();
   for (const QString& name : fields.split(u';', Qt::SkipEmptyParts)) {
-    if (const TField* field = master ? master->FindField(name.trimmed()) : nullptr) {
+    const TField* field = master && master->Active() ? master->FindField(name.trimmed()) : nullptr;
+    if (field && !field->AsString().isEmpty()) {
       title = field->AsString() + QStringLiteral(" - ") + title;
     }
   }

@@ -10,6 +10,7 @@ struct TCDSOptions {
   QString ProviderName;
   bool MetadataApplied = false;
   VariantArray FieldDescriptions;  // one row of 19 values a field
+  QSet<QString> HookedFields;      // names of the fields whose handlers the form has chained
 
   // The dataset's own, called after the form's.
   DataSetEvent AfterOpen, AfterClose, AfterScroll, BeforeClose, BeforeEdit, BeforeInsert, OnNewRecord, OnStateChange;

@@ -18,7 +18,10 @@ namespace {
 
 constexpr int memoTextSize = 300;   // longer texts get several lines
 constexpr int memoLines = 3;
-constexpr int columnWidth = 420;    // of the controls
+constexpr int lineHeight = 28;
+constexpr int textWidth = 250;      // least of a control that grows with its column
+constexpr int joinedWidth = 120;
+constexpr int codeWidth = 120;      // of a code whose name stands beside it
 constexpr int widestCaption = 190;
 
 const QString pageTitles[] = {QStringLiteral("Основни данни"), QStringLiteral("Допълнителни данни"),
@@ -169,7 +172,7 @@ void RecordLayout::addLine(QWidget* page, QGridLayout& grid, int row, const Reco
 {
   auto* label = new QLabel(item.field->DisplayLabel, page);
   label->setObjectName(QStringLiteral("lbl") + item.field->FieldName());
-  QWidget* control = makeControl(page, item.field, false);
+  QWidget* control = makeControl(page, item.field, false, !item.beside.isEmpty());
   label->setBuddy(control);
   grid.addWidget(label, row, 0, item.wide ? Qt::AlignTop : Qt::AlignVCenter);
   if (item.wide) {
@@ -180,7 +183,7 @@ void RecordLayout::addLine(QWidget* page, QGridLayout& grid, int row, const Reco
   cell->setSpacing(spacing::tight);
   cell->addWidget(control);
   for (TField* joined : item.beside) {
-    QWidget* shown = makeControl(page, joined, true);
+    QWidget* shown = makeControl(page, joined, true, false);
     shown->setToolTip(joined->DisplayLabel);
     shown->setAccessibleName(joined->DisplayLabel);
     cell->addWidget(shown, 1);
@@ -189,6 +192,7 @@ void RecordLayout::addLine(QWidget* page, QGridLayout& grid, int row, const Reco
     cell->addStretch(1);
   }
   grid.addLayout(cell, row, 1);
+  grid.setRowMinimumHeight(row, lineHeight);
 }
 
 void RecordLayout::bind(QWidget* control, TField* field)
@@ -198,7 +202,7 @@ void RecordLayout::bind(QWidget* control, TField* field)
   bound->setDataField(field->FieldName());
 }
 
-QWidget* RecordLayout::makeControl(QWidget* page, TField* field, bool beside)
+QWidget* RecordLayout::makeControl(QWidget* page, TField* field, bool beside, bool codeOnly)
 {
   QWidget* control = nullptr;
   if (hasFlag(field, ffYesNo)) {
@@ -216,9 +220,9 @@ QWidget* RecordLayout::makeControl(QWidget* page, TField* field, bool beside)
   }
   control->setObjectName(QStringLiteral("edt") + field->FieldName());
   if (const int width = controlWidth(field); width > 0 && !beside) {
-    control->setFixedWidth(width);
+    control->setFixedWidth(codeOnly ? std::min(width, codeWidth) : width);
   } else if (!isLongText(field) && !hasFlag(field, ffYesNo)) {
-    control->setMinimumWidth(beside ? columnWidth / 4 : columnWidth / 2);
+    control->setMinimumWidth(beside ? joinedWidth : textWidth);
   }
   if (beside) {
     control->setFocusPolicy(Qt::ClickFocus);

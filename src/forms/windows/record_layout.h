@@ -28,7 +28,7 @@ class RecordLayout {
  private:
   void addPage(QTabWidget& pages, const QList<RecordLayoutItem>& lines, const QList<RecordLayoutItem>& wide);
   void addLine(QWidget* page, QGridLayout& grid, int row, const RecordLayoutItem& item);
-  QWidget* makeControl(QWidget* page, TField* field, bool beside);
+  QWidget* makeControl(QWidget* page, TField* field, bool beside, bool codeOnly);
   void bind(QWidget* control, TField* field);
 
   TClientDataSet& dataSet_;

@@ -3,16 +3,24 @@
 #include <QApplication>
 #include <QMdiSubWindow>
 
+#include "registry/form_interfaces.h"
+
 namespace kalvor {
 
 namespace {
 
 FormHost* installedFormHost = nullptr;
 
+// The form in a sub-window or a dialog around it; the window itself when it holds none.
 QWidget* formWithin(QWidget* window)
 {
   if (auto* sub = qobject_cast<QMdiSubWindow*>(window)) {
     return sub->widget();
+  }
+  for (QWidget* child : window ? window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly) : QWidgetList()) {
+    if (dynamic_cast<IBaseIntf*>(child)) {
+      return child;
+    }
   }
   return window;
 }
@@ -43,7 +51,10 @@ void adoptChildWindow(QWidget* form)
   QMdiSubWindow* window = area->addSubWindow(form);
   window->setAttribute(Qt::WA_DeleteOnClose);
   window->setWindowIcon(form->windowIcon());
-  window->resize(wanted.boundedTo(area->viewport()->size().isEmpty() ? wanted : area->viewport()->size()));
+  const QMargins frame = window->contentsMargins();
+  const QSize whole = wanted.grownBy(frame);
+  const QSize room = area->viewport()->size();
+  window->resize(room.isEmpty() ? whole : whole.boundedTo(room));
 }
 
 QWidget* windowOf(QWidget* form)
@@ -72,10 +83,8 @@ QWidget* activeFormWidget()
 {
   QMdiArea* area = installedFormHost ? installedFormHost->childArea() : nullptr;
   QWidget* top = QApplication::activeWindow();
-  if (area && (!top || top == area->window())) {
-    return formWithin(area->activeSubWindow());
-  }
-  return top;
+  const bool inArea = area && (!top || top == area->window());
+  return formWithin(inArea ? area->activeSubWindow() : top);
 }
 
 }  // namespace kalvor

@@ -1,0 +1,19 @@
+#include <QApplication>
+
+#include "../several_tests.h"
+#include "form_session.h"
+#include "sample_forms.h"
+#include "widgets/theme.h"
+
+int main(int argc, char** argv)
+{
+  QApplication application(argc, argv);
+  kalvor::applyTheme(application, kalvor::ThemeMode::Light);
+  kalvor::testing::DemoServer server;
+  kalvor::testing::demoServer() = &server;
+  int failed = 0;
+  for (const auto& test : kalvor::testing::registeredTests()) {
+    failed += test(argc, argv);
+  }
+  return failed;
+}
