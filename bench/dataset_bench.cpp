@@ -42,7 +42,8 @@ Source makeSource(int rows)
   Source source;
   for (int i = 0; i < rows; ++i) {
     source.integers.push_back({i, qint64(random() % 50), qint64(random() % 2)});
-    source.reals.push_back({random() % 100000 / 100.0, random() % 1000 / 10.0, double(random() % 100), random() % 7 / 3.0});
+    const double third = random() % 7 / 3.0;
+    source.reals.push_back({random() % 100000 / 100.0, random() % 1000 / 10.0, double(random() % 100), third});
     source.days.push_back(QDate(2020, 1, 1).addDays(random() % 2000));
     source.texts.push_back({word() + u' ' + word() + u' ' + QString::number(random() % 10000000),
                             word() + QStringLiteral(" ООД"), word() + u' ' + QString::number(random() % 5000), word()});

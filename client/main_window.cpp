@@ -98,8 +98,9 @@ void MainWindow::createActions()
   QMenu* fileMenu = menuBar()->addMenu(QStringLiteral("&Файл"));
   formsMenu_ = fileMenu->addMenu(QStringLiteral("&Отваряне"));
   fileMenu->addSeparator();
-  QAction* closeWindow = fileMenu->addAction(QStringLiteral("&Затваряне на прозореца"), QKeySequence(QStringLiteral("Ctrl+W")),
-                                             area_, &QMdiArea::closeActiveSubWindow);
+  // The child window brings the key itself.
+  QAction* closeWindow =
+      fileMenu->addAction(QStringLiteral("&Затваряне на прозореца\tCtrl+W"), area_, &QMdiArea::closeActiveSubWindow);
   closeWindow->setIcon(icon(QStringLiteral("window-close")));
   QAction* quit = fileMenu->addAction(QStringLiteral("&Изход"), QKeySequence(QStringLiteral("Ctrl+Q")), this, &QWidget::close);
   quit->setIcon(icon(QStringLiteral("application-exit")));

@@ -3,21 +3,26 @@
 #include <cstdio>
 
 #include "server/commands.h"
+#include "server/load/command_line.h"
 #include "server/log.h"
 #include "server/server.h"
 
 namespace {
 
-using kalvor::server::CommandLine;
+using kalvor::server::CommandArguments;
+using kalvor::server::OptionKind;
 
 // Serves until the process is told to end.
-int serve(const CommandLine& line, const sigset_t& endSignals)
+int serve(const QStringList& arguments, const sigset_t& endSignals)
 {
+  const CommandArguments line = kalvor::server::parseArguments(
+      arguments, {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
+                  {"--plaintext", OptionKind::Flag}});
   kalvor::server::ServerOptions options;
-  options.database = line.database();
-  options.address = line.value(QStringLiteral("bind"), options.address);
-  options.port = quint16(line.value(QStringLiteral("port"), QString::number(options.port)).toUInt());
-  options.plaintext = line.has(QStringLiteral("plaintext"));
+  options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabaseFile());
+  options.address = line.value(QStringLiteral("--bind"), options.address);
+  options.port = quint16(line.value(QStringLiteral("--port"), QString::number(options.port)).toUInt());
+  options.plaintext = line.has(QStringLiteral("--plaintext"));
   kalvor::server::prepareDatabase(options.database);
   kalvor::server::ApplicationServer server(options);
   server.start();
@@ -44,11 +49,8 @@ int main(int argc, char** argv)
   const QCoreApplication application(argc, argv);
   QCoreApplication::setApplicationName(QStringLiteral("kalvor"));
   try {
-    const CommandLine line(application.arguments().mid(1));
-    if (line.command() == u"serve") {
-      return serve(line, endSignals);
-    }
-    return kalvor::server::runCommand(line);
+    const QStringList arguments = application.arguments().mid(1);
+    return arguments.value(0) == u"serve" ? serve(arguments.mid(1), endSignals) : kalvor::server::runCommand(arguments);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kalvor-server: %s\n", error.what());
     return 1;

@@ -1,34 +1,28 @@
 #include "server/server_core.h"
 
-#include <QUuid>
-
 #include "server/store/migrations.h"
 
 namespace kalvor::server {
 
-namespace {
-
-std::unique_ptr<Connection> migrated(const QString& database)
-{
-  auto connection = openSqlite(database, false);
-  migrate(*connection);
-  return connection;
-}
-
-}  // namespace
-
 ServerCore::Databases ServerCore::Databases::of(const QString& name)
 {
   if (name != u":memory:") {
-    return {name, name + QStringLiteral("-sessions")};
+    return {name, name + QStringLiteral("-sessions"), nullptr};
   }
-  const QString unique = QUuid::createUuid().toString(QUuid::Id128);
-  return {QStringLiteral("file:%1?mode=memory").arg(unique), QStringLiteral("file:%1-sessions?mode=memory").arg(unique)};
+  const auto folder = std::make_shared<QTemporaryDir>();
+  return {folder->filePath(QStringLiteral("company.db")), folder->filePath(QStringLiteral("sessions.db")), folder};
 }
 
-ServerCore::ServerCore(Databases databases)
-    : databases_(std::move(databases)), first_(migrated(databases_.company)), state_(databases_.state)
+ServerCore::ServerCore(Databases databases) : databases_(std::move(databases)), state_(databases_.state)
 {
+  migrate(*openWriter());
+}
+
+std::unique_ptr<Connection> ServerCore::openWriter() const
+{
+  auto writer = openSqlite(databases_.company, false);
+  writer->setDurable(!databases_.folder);
+  return writer;
 }
 
 }  // namespace kalvor::server

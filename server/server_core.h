@@ -1,6 +1,8 @@
 // What all calls of one server share. No authority: everything that counts is in the databases behind it.
 #pragma once
 
+#include <QTemporaryDir>
+
 #include "server/catalogue/metadata.h"
 #include "server/session/state_store.h"
 
@@ -8,10 +10,12 @@ namespace kalvor::server {
 
 class KALVOR_SERVER ServerCore {
  public:
-  // Names of the company's database and of the one of sessions; both in memory for ":memory:".
+  // Names of the company's database and of the one of sessions. ":memory:" stands for two that are gone with this
+  // object: in a temporary folder, since readers and a writer of one database in memory would wait for each other.
   struct Databases {
     QString company;
     QString state;
+    std::shared_ptr<QTemporaryDir> folder;  // null: they stay
     static Databases of(const QString& name);
   };
 
@@ -19,7 +23,7 @@ class KALVOR_SERVER ServerCore {
   explicit ServerCore(Databases databases);
 
   std::unique_ptr<Connection> openReader() const { return openSqlite(databases_.company, true); }
-  std::unique_ptr<Connection> openWriter() const { return openSqlite(databases_.company, false); }
+  std::unique_ptr<Connection> openWriter() const;
   StateStore& state() { return state_; }
   MetadataCache& metadata() { return metadata_; }
 
@@ -27,7 +31,6 @@ class KALVOR_SERVER ServerCore {
 
  private:
   Databases databases_;
-  std::unique_ptr<Connection> first_;  // keeps a database in memory alive
   StateStore state_;
   MetadataCache metadata_;
 };

@@ -65,8 +65,8 @@ class InvoiceWriter {
         headerIds_(idPrefix(scope, "D_SaleInvoiceHeader")), lineIds_(idPrefix(scope, "D_SaleInvoiceLine")),
         headers_(scope.connection, QStringLiteral("D_SaleInvoiceHeader"),
                  {"Id", "Comp_Id", "DocumentNo", "DocumentDate", "VATDate", "AbsoluteNo", "DocStatus", "DocSubType_Id",
-                  "Series_Id", "PostingSerie_Id", "Contragent_Id", "InvToContragent_ID", "BusinessGroup_Id", "Currency_Id",
-                  "CurrencyFactor", "PriceIncludingVAT", "PayTerm_Id", "PayMethod_Id", "DueDate", "VATBusPostGroup_Id",
+                  "Series_Id", "PostingSerie_Id", "Contragent_Id", "InvToContragent_ID", "BusinessGroup_Id",
+                  "Currency_Id", "CurrencyFactor", "PriceIncludingVAT", "PayTerm_Id", "PayMethod_Id", "DueDate", "VATBusPostGroup_Id",
                   "GenBusPostGroup_Id", "TotalValue", "VATValue", "TotalVAT", "TotalValue_LCY", "VATValue_LCY",
                   "TotalVAT_LCY", "CopiesPrinted", "C_Businessgroup_Id", "C_User_Id", "C_Datetime"}),
         lines_(scope.connection, QStringLiteral("D_SaleInvoiceLine"),
@@ -145,8 +145,8 @@ void InvoiceWriter::draftLine(const InvoiceDraft& draft, int number, SaleTotalsB
   const DemoItem& item = scope_.items.at(random.skewedBelow(int(scope_.items.size())));
   const VatRule vat = *vat_.find(draft.customer->vatBusGroupId, item.vatProdGroupId);
   SaleLineInput input;
-  input.quantity = item.fractional ? random.between(500, 20000) * (amountScale / 1000)
-                                   : qint64(random.chance(70) ? random.between(1, 12) : random.between(10, 120)) * amountScale;
+  const int pieces = random.chance(70) ? random.between(1, 12) : random.between(10, 120);
+  input.quantity = item.fractional ? random.between(500, 20000) * (amountScale / 1000) : pieces * amountScale;
   input.unitPrice = scaled(roundUp(
       2, unscaled(item.price) * draft.customer->pricePercent / 100 * static_cast<long double>(draft.currencyPerEuro)));
   input.discountPercent = random.chance(85) ? 0 : random.between(1, 4) * 5 * (amountScale / 2);
@@ -200,7 +200,8 @@ void InvoiceWriter::writeHeader(const InvoiceDraft& draft, const SaleTotals& tot
 void InvoiceWriter::finish()
 {
   const auto setLast = [&](const QString& series, qint64 number) {
-    scope_.connection.execute(QStringLiteral("UPDATE N_Series SET LastNo = ? WHERE Id = ?"), {qlonglong(number), series});
+    scope_.connection.execute(QStringLiteral("UPDATE N_Series SET LastNo = ? WHERE Id = ?"),
+                              {qlonglong(number), series});
   };
   for (const DemoObject& object : std::as_const(scope_.objects)) {
     setLast(object.seriesId, object.lastNumber);

@@ -16,15 +16,17 @@ struct ForeignFirm {
   const char16_t* currency;   // empty: local
 };
 constexpr ForeignFirm foreignFirms[] = {
-    {u"Германия", u"Мюнхен", u"DE", u""},  {u"Гърция", u"Солун", u"EL", u""},        {u"Румъния", u"Букурещ", u"RO", u""},
-    {u"Австрия", u"Виена", u"ATU", u""},   {u"Италия", u"Милано", u"IT", u""},       {u"Великобритания", u"Лондон", u"", u"GBP"},
-    {u"Сърбия", u"Белград", u"", u""},     {u"Турция", u"Истанбул", u"", u"USD"},    {u"САЩ", u"Чикаго", u"", u"USD"},
-    {u"Швейцария", u"Цюрих", u"", u"CHF"}};
+    {u"Германия", u"Мюнхен", u"DE", u""}, {u"Гърция", u"Солун", u"EL", u""},
+    {u"Румъния", u"Букурещ", u"RO", u""}, {u"Австрия", u"Виена", u"ATU", u""},
+    {u"Италия", u"Милано", u"IT", u""},   {u"Великобритания", u"Лондон", u"", u"GBP"},
+    {u"Сърбия", u"Белград", u"", u""},    {u"Турция", u"Истанбул", u"", u"USD"},
+    {u"САЩ", u"Чикаго", u"", u"USD"},     {u"Швейцария", u"Цюрих", u"", u"CHF"}};
 constexpr const char16_t* foreignWords[] = {u"Alpen", u"Baltic", u"Corner", u"Delta", u"Europa", u"Forum", u"Global",
                                             u"Helios", u"Karat", u"Merkur", u"Nordic", u"Orion", u"Prisma", u"Terra"};
 constexpr const char16_t* foreignForms[] = {u"GmbH", u"S.A.", u"Ltd.", u"S.R.L.", u"AG", u"Inc."};
 
-constexpr std::pair<const char*, int> usualTerms[] = {{"0", 0}, {"7", 7}, {"14", 14}, {"14", 14}, {"30", 30}, {"30", 30}, {"60", 60}};
+constexpr std::pair<const char*, int> usualTerms[] = {{"0", 0},   {"7", 7},   {"14", 14}, {"14", 14},
+                                                      {"30", 30}, {"30", 30}, {"60", 60}};
 
 QString digitsText(DemoRandom& random, int count)
 {
@@ -96,9 +98,29 @@ void createDemoContragents(DemoScope& scope)
 {
   DemoRandom& random = scope.random;
   RowInserter rows(scope.connection, QStringLiteral("N_Contragent"),
-                   {"Id", "Comp_Id", "Code", "Name", "Bulstat", "VATNo", "Country", "City", "PostCode", "Address", "Contact",
-                    "Phone", "Email", "PaymentTerms_Id", "PaymentMethodCode", "CreditLimit", "Currency_Id", "PriceGroup_Id",
-                    "VATBusPostGroup_Id", "GenBusPostGroup_Id", "Inactive", "C_Businessgroup_Id", "C_User_Id",
+                   {"Id",
+                    "Comp_Id",
+                    "Code",
+                    "Name",
+                    "Bulstat",
+                    "VATNo",
+                    "Country",
+                    "City",
+                    "PostCode",
+                    "Address",
+                    "Contact",
+                    "Phone",
+                    "Email",
+                    "PaymentTerms_Id",
+                    "PaymentMethodCode",
+                    "CreditLimit",
+                    "Currency_Id",
+                    "PriceGroup_Id",
+                    "VATBusPostGroup_Id",
+                    "GenBusPostGroup_Id",
+                    "Inactive",
+                    "C_Businessgroup_Id",
+                    "C_User_Id",
                     "C_Datetime"});
   for (int i = 0; i < scope.contragentCount; ++i) {
     const bool retail = i == 0;

@@ -107,7 +107,8 @@ void insertVatSetup(DemoScope& scope)
   }
 }
 
-void insertSeries(DemoScope& scope, const QString& code, const QString& name, const QString& prefix, int digits, int kind)
+void insertSeries(DemoScope& scope, const QString& code, const QString& name, const QString& prefix, int digits,
+                  int kind)
 {
   RowInserter series(scope.connection, QStringLiteral("N_Series"),
                      {"Id", "Comp_Id", "Code", "Name", "Prefix", "LastNo", "MaxNo", "ManualNo", "Kind"});
@@ -115,12 +116,15 @@ void insertSeries(DemoScope& scope, const QString& code, const QString& name, co
   series.insert({scope.id("N_Series", code), scope.companyId, code, name, prefix, 0, largest, 0, kind});
 }
 
-void insertSubDocument(DemoScope& scope, const QString& code, const QString& name, const QString& series, const char* method)
+void insertSubDocument(DemoScope& scope, const QString& code, const QString& name, const QString& series,
+                       const char* method)
 {
-  RowInserter documents(scope.connection, QStringLiteral("N_SubDocument"),
-                        {"Id", "Comp_Id", "Code", "Name", "SaleOrPurchase", "Series_Id", "Post_Series_Id", "PaymentMethod"});
+  RowInserter documents(
+      scope.connection, QStringLiteral("N_SubDocument"),
+      {"Id", "Comp_Id", "Code", "Name", "SaleOrPurchase", "Series_Id", "Post_Series_Id", "PaymentMethod"});
   documents.insert({scope.id("N_SubDocument", code), scope.companyId, code, name, 0, scope.id("N_Series", series),
-                    scope.id("N_Series", QStringLiteral("POST")), scope.id("N_PaymentMethod", QString::fromLatin1(method))});
+                    scope.id("N_Series", QStringLiteral("POST")),
+                    scope.id("N_PaymentMethod", QString::fromLatin1(method))});
 }
 
 // Every object numbers its invoices in a range of its own, so that a number is never given twice.

@@ -57,10 +57,14 @@ QString userActions(Role role)
 {
   const auto* of = std::find_if(std::begin(roleActions), std::end(roleActions),
                                 [&](const RoleActions& actions) { return actions.role == role; });
-  return QStringLiteral("<Root><UserActions><AboveCreditLimit>%1</AboveCreditLimit><AboveExpireDebt>%2</AboveExpireDebt>"
-                        "<BelowUnitCost>%3</BelowUnitCost><is_Cashier>%4</is_Cashier><ContrCheckAction>%5"
-                        "</ContrCheckAction></UserActions></Root>")
-      .arg(of->aboveCreditLimit).arg(of->aboveExpireDebt).arg(of->belowUnitCost).arg(of->isCashier)
+  return QStringLiteral(
+             "<Root><UserActions><AboveCreditLimit>%1</AboveCreditLimit><AboveExpireDebt>%2</AboveExpireDebt>"
+             "<BelowUnitCost>%3</BelowUnitCost><is_Cashier>%4</is_Cashier><ContrCheckAction>%5"
+             "</ContrCheckAction></UserActions></Root>")
+      .arg(of->aboveCreditLimit)
+      .arg(of->aboveExpireDebt)
+      .arg(of->belowUnitCost)
+      .arg(of->isCashier)
       .arg(of->contragentCheck);
 }
 

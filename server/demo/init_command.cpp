@@ -57,7 +57,7 @@ void initDatabase(const QStringList& arguments, const std::function<QString(cons
 
 int runInit(const QStringList& arguments, const std::function<QString(const QString&)>& hashDigest)
 {
-  return runCommand(initUsage, [&] { initDatabase(arguments, hashDigest); });
+  return exitCodeOf(initUsage, [&] { initDatabase(arguments, hashDigest); });
 }
 
 }  // namespace kalvor::server

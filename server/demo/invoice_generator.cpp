@@ -63,7 +63,8 @@ class InvoiceGenerator {
         {options_.companyId}).toString();
     const int first = last.mid(1).toInt() + 1;
     for (int i = 0; i < options_.invoices; ++i) {
-      writeInvoice(first + i, options_.lastDay.addDays(-options_.days + qint64(options_.days) * (i + 1) / options_.invoices));
+      writeInvoice(first + i,
+                   options_.lastDay.addDays(-options_.days + qint64(options_.days) * (i + 1) / options_.invoices));
     }
   }
 
@@ -109,7 +110,8 @@ void InvoiceGenerator::readCompany()
                    items->integer(6)});
   }
   if (customers_.isEmpty() || items_.isEmpty()) {
-    throw StoreError(StoreError::Kind::Other, QStringLiteral("фирма „%1“ няма контрагенти или артикули").arg(options_.companyId));
+    throw StoreError(StoreError::Kind::Other,
+                     QStringLiteral("фирма „%1“ няма контрагенти или артикули").arg(options_.companyId));
   }
 }
 

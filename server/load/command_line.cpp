@@ -66,7 +66,7 @@ QString defaultDatabaseFile()
   return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/kalvor/kalvor.db");
 }
 
-int runCommand(const char* usage, const std::function<void()>& command)
+int exitCodeOf(const char* usage, const std::function<void()>& command)
 {
   QTextStream errors(stderr);
   try {

@@ -52,6 +52,6 @@ KALVOR_SERVER int countOf(const CommandArguments& arguments, const QString& name
 KALVOR_SERVER QString defaultDatabaseFile();
 
 // Runs a command: messages of UsageError (2) and of any other exception (1) go to the error output.
-KALVOR_SERVER int runCommand(const char* usage, const std::function<void()>& command);
+KALVOR_SERVER int exitCodeOf(const char* usage, const std::function<void()>& command);
 
 }  // namespace kalvor::server

@@ -57,8 +57,8 @@ std::shared_ptr<KeyLookup> lookupIn(Connection& connection, const QString& table
   return std::make_shared<KeyLookup>(connection, table.name, columnNamed(table, keyColumn).name, company);
 }
 
-LoadCell lookupCell(Connection& connection, const LoadRequest& request, const TableInfo& table, const LoadLookup& lookup,
-                    const QStringList& header)
+LoadCell lookupCell(Connection& connection, const LoadRequest& request, const TableInfo& table,
+                    const LoadLookup& lookup, const QStringList& header)
 {
   const int at = int(header.indexOf(lookup.fileColumn));
   if (at < 0) {
@@ -72,7 +72,8 @@ std::optional<LoadCell> cellForHeader(Connection& connection, const LoadRequest&
                                       const QString& name, int at)
 {
   if (const auto mapped = request.map.constFind(name); mapped != request.map.cend()) {
-    return *mapped == u"-" ? std::nullopt : std::optional(LoadCell{at, name, &columnNamed(table, *mapped), nullptr, {}});
+    return *mapped == u"-" ? std::nullopt
+                           : std::optional(LoadCell{at, name, &columnNamed(table, *mapped), nullptr, {}});
   }
   if (const UsualColumn* usual = usualColumn(table.name, name)) {
     LoadCell cell{at, name, &columnNamed(table, QString::fromLatin1(usual->column)), nullptr, {}};

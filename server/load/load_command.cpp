@@ -95,7 +95,7 @@ void load(const QStringList& arguments)
 
 int runLoad(const QStringList& arguments)
 {
-  return runCommand(loadUsage, [&] { load(arguments); });
+  return exitCodeOf(loadUsage, [&] { load(arguments); });
 }
 
 }  // namespace kalvor::server

@@ -58,8 +58,9 @@ Variant parseTextCell(std::string_view text, const ColumnInfo& column, QString& 
 
 Variant refusedCell(std::string_view text, const char* what, QString& error)
 {
-  error = QStringLiteral("„%1“ не е %2").arg(QString::fromUtf8(text.data(), qsizetype(std::min<size_t>(text.size(), 40))),
-                                             QString::fromUtf8(what));
+  error =
+      QStringLiteral("„%1“ не е %2")
+          .arg(QString::fromUtf8(text.data(), qsizetype(std::min<size_t>(text.size(), 40))), QString::fromUtf8(what));
   return {};
 }
 

@@ -8,7 +8,7 @@
 
 namespace kalvor::server {
 
-// A decimal number with "." as whole millionths, rounded half away from zero; nothing when it is no number or too large.
+// A decimal number with "." as whole millionths, rounded half away from zero; nothing when it is none or too large.
 KALVOR_SERVER std::optional<qint64> parseAmount(std::string_view text);
 
 // The value for a column, amounts as whole millionths; the empty text is null. Dates are yyyy-MM-dd, times

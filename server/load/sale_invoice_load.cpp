@@ -140,7 +140,8 @@ void SaleHeaderCompletion::completeCurrency(LoadRow& row, const QString& custome
 
 void SaleHeaderCompletion::complete(LoadRow& row)
 {
-  Customer of{defaults_.vatBusGroupId, defaults_.genBusGroupId, defaults_.paymentTermsId, defaults_.paymentMethodId, {}};
+  Customer of{
+      defaults_.vatBusGroupId, defaults_.genBusGroupId, defaults_.paymentTermsId, defaults_.paymentMethodId, {}};
   if (!row.isNull(at_[Contragent])) {
     of = customer(row.text(at_[Contragent]));
   }
@@ -162,12 +163,15 @@ void SaleHeaderCompletion::complete(LoadRow& row)
 }
 
 SaleLineCompletion::SaleLineCompletion(Connection& connection, const CompanyDefaults& defaults)
-    : connection_(connection), defaults_(defaults), vat_(connection, defaults.companyId),
+    : connection_(connection),
+      defaults_(defaults),
+      vat_(connection, defaults.companyId),
       itemByCode_(connection, QStringLiteral("N_Item"), QStringLiteral("Code"), defaults.companyId),
-      documentById_(connection.prepare(QStringLiteral(
-          "SELECT CurrencyFactor, (SELECT MAX(Line_No) FROM D_SaleInvoiceLine WHERE Master_Id = D_SaleInvoiceHeader.Id), "
-          "PriceIncludingVAT, Currency_Id, VATBusPostGroup_Id, GenBusPostGroup_Id, BusinessGroup_Id "
-          "FROM D_SaleInvoiceHeader WHERE Id = ? AND Comp_Id = ?"))),
+      documentById_(connection.prepare(
+          QStringLiteral("SELECT CurrencyFactor, (SELECT MAX(Line_No) FROM D_SaleInvoiceLine WHERE Master_Id = "
+                         "D_SaleInvoiceHeader.Id), "
+                         "PriceIncludingVAT, Currency_Id, VATBusPostGroup_Id, GenBusPostGroup_Id, BusinessGroup_Id "
+                         "FROM D_SaleInvoiceHeader WHERE Id = ? AND Comp_Id = ?"))),
       itemById_(connection.prepare(QStringLiteral(
           "SELECT Type, Name, Measure_Id, VATProdPostGroup_Id, GenProdPostGroup_Id FROM N_Item WHERE Id = ?")))
 {
@@ -213,7 +217,8 @@ const SaleLineCompletion::Item& SaleLineCompletion::item(const QString& code)
   itemById_->reset();
   itemById_->bind(0, id);
   itemById_->step();
-  const Item found{itemById_->integer(0), itemById_->text(1), itemById_->text(2), itemById_->text(3), itemById_->text(4)};
+  const Item found{itemById_->integer(0), itemById_->text(1), itemById_->text(2), itemById_->text(3),
+                   itemById_->text(4)};
   itemById_->reset();
   return *items_.insert(code, found);
 }
@@ -298,9 +303,10 @@ void recalculateSaleInvoices(Connection& connection, const CompanyDefaults& defa
   auto sums = connection.prepare(QStringLiteral(
       "SELECT VATPercent, SUM(TotalValue), SUM(TotalValue_LCY) FROM D_SaleInvoiceLine WHERE Master_Id = ? "
       "GROUP BY VATPercent"));
-  auto update = connection.prepare(QStringLiteral(
-      "UPDATE D_SaleInvoiceHeader SET TotalValue = ?, VATValue = ?, TotalVAT = ?, TotalValue_LCY = ?, VATValue_LCY = ?, "
-      "TotalVAT_LCY = ? WHERE Id = ?"));
+  auto update =
+      connection.prepare(QStringLiteral("UPDATE D_SaleInvoiceHeader SET TotalValue = ?, VATValue = ?, TotalVAT = ?, "
+                                        "TotalValue_LCY = ?, VATValue_LCY = ?, "
+                                        "TotalVAT_LCY = ? WHERE Id = ?"));
   SaleTotalsBuilder builder;
   QStringList ordered = documentIds;
   ordered.sort();

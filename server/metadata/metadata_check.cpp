@@ -102,9 +102,10 @@ void MetadataChecker::read()
   }
   const RecordSet rows = connection_.query(QStringLiteral("SELECT * FROM S_QueryList ORDER BY Id"));
   for (qsizetype i = 0; i < rows.rows; ++i) {
-    CheckedQuery query{cell(rows, i, "Id").toInt(),   cell(rows, i, "Form_Id").toInt(), cell(rows, i, "Ds_Index").toInt(),
-                       cell(rows, i, "SqlText"),      cell(rows, i, "BaseTable"),       cell(rows, i, "KeyField"),
-                       cell(rows, i, "CompanyField"), cell(rows, i, "DefaultOrder"),    {}};
+    CheckedQuery query{
+        cell(rows, i, "Id").toInt(),   cell(rows, i, "Form_Id").toInt(), cell(rows, i, "Ds_Index").toInt(),
+        cell(rows, i, "SqlText"),      cell(rows, i, "BaseTable"),       cell(rows, i, "KeyField"),
+        cell(rows, i, "CompanyField"), cell(rows, i, "DefaultOrder"),    {}};
     const RecordSet fields = connection_.query(
         QStringLiteral("SELECT * FROM S_FieldList WHERE SQL_ID = ? ORDER BY FieldIndex"), {query.id});
     for (qsizetype k = 0; k < fields.rows; ++k) {

@@ -57,9 +57,11 @@ QString joinedLines(const QJsonValue& value)
   return lines.join(u'\n');
 }
 
-DeclaredField readField(const QJsonObject& object, const QString& baseTable, bool readOnlyQuery, const MetadataPlace& place)
+DeclaredField readField(const QJsonObject& object, const QString& baseTable, bool readOnlyQuery,
+                        const MetadataPlace& place)
 {
-  allowKeys(object, {"name", "caption", "kind", "flags", "source", "format", "default", "options", "selector", "updatable"},
+  allowKeys(object,
+            {"name", "caption", "kind", "flags", "source", "format", "default", "options", "selector", "updatable"},
             place);
   DeclaredField field;
   field.name = textOf(object, "name");
@@ -188,8 +190,10 @@ void appendDataset(DeclaredMetadata& metadata, DeclaredForm form, const Declared
 void readForm(const QJsonObject& object, const MetadataPlace& file, DeclaredMetadata& metadata)
 {
   const MetadataPlace place = file.in(QString::number(object.value(QStringLiteral("id")).toInt()));
-  allowKeys(object, {"id", "caption", "class", "captionFields", "filter", "order", "colors", "menu", "menuOrder", "card",
-                     "datasets"}, place);
+  allowKeys(object,
+            {"id", "caption", "class", "captionFields", "filter", "order", "colors", "menu", "menuOrder", "card",
+             "datasets"},
+            place);
   const DeclaredForm form = readFormHead(object, place);
   const QJsonArray datasets = object.value(QStringLiteral("datasets")).toArray();
   for (const QJsonValue& dataset : datasets) {

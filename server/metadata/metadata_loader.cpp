@@ -1,5 +1,6 @@
 #include "server/metadata/metadata_loader.h"
 
+#include "server/catalogue/metadata.h"
 #include "server/load/row_inserter.h"
 
 namespace kalvor::server {
@@ -64,6 +65,9 @@ int loadMetadata(Connection& connection, const DeclaredMetadata& metadata, Exist
                     textOrNull(query.defaultOrder)});
     insertFields(fields, query);
     ++written;
+  }
+  if (written > 0) {
+    MetadataCache::touch(connection);
   }
   return written;
 }

@@ -103,7 +103,11 @@ Fragment likeCondition(const ResolvedField& field, const Variant& value)
   if (isRealType(field.type) || field.type == DataType::Boolean || field.type == DataType::Blob) {
     refuseValue(field, value);
   }
-  const QString text = withoutQuotes(variantText(value));
+  QString text = withoutQuotes(variantText(value));
+  if (!text.contains(u'%') && !text.contains(u'*')) {
+    // What a lookup searches for comes as it was typed: the beginning of a code or a name, or nothing at all.
+    text += u'%';
+  }
   const Fragment like = comparison(asText(field), "LIKE", likePattern(text)) + QStringLiteral(" ESCAPE '!'");
   qsizetype plain = 0;
   while (plain < text.size() && text.at(plain) != u'%' && text.at(plain) != u'*') {

@@ -88,8 +88,7 @@ constexpr qint64 amountScale = 1'000'000;
 KALVOR_SERVER qint64 scaled(double amount);  // half away from zero
 constexpr double unscaled(qint64 millionths) { return double(millionths) / double(amountScale); }
 
-// A database file; ":memory:" for one connection alone; "file:NAME?mode=memory" for one that the connections of
-// this process share while any of them is open. A connection is used by one thread at a time.
+// A database file, or ":memory:" for one connection alone. A connection is used by one thread at a time.
 KALVOR_SERVER std::unique_ptr<Connection> openSqlite(const QString& fileName, bool readOnly);
 
 }  // namespace kalvor::server

@@ -34,6 +34,7 @@ class KALVOR_DATA DataLink {
   virtual ~DataLink();
   void setDataSet(TClientDataSet* dataSet);
   TClientDataSet* dataSet() const { return dataSet_; }
+  // Must not throw, but for UpdateRecord: a text that the field refuses stops the post.
   virtual void dataEvent(DataEvent event, TField* field) = 0;
 
  private:
@@ -51,7 +52,8 @@ struct LocateOptions {
   bool partialKey = false;
 };
 
-// Names a record of one dataset until that dataset is closed; a record that is gone is not found again.
+// Names a record of one dataset until that dataset is closed or refreshed; a record that is gone, or is not
+// posted yet, has none.
 using Bookmark = qint64;
 constexpr Bookmark noBookmark = -1;
 
@@ -75,8 +77,8 @@ class KALVOR_DATA TClientDataSet : public QObject {
   void Close();
   bool Active() const;
   void SetActive(bool active);
-  // Reads everything again from the provider and keeps the current record by key where it still exists.
-  // Needs no pending changes (DataError).
+  // Reads everything again from the provider and keeps the current record by key where it still exists (looked for
+  // as far as had been read before and one packet more). Needs no pending changes (DataError).
   void Refresh();
   bool GetNextPacket();                      // false: everything is here already
   void FetchAll();                           // the rest in one call
@@ -101,12 +103,16 @@ class KALVOR_DATA TClientDataSet : public QObject {
   QList<TField*> Fields() const;
   Variant FieldValues(const QString& names) const;  // "A" the value, "A;B" an array
   TField* AddCalculatedField(const FieldDef& definition, FieldValueKind kind);  // while closed or open
-  TField* AddAggregateField(const QString& name, const QString& expression);    // SUM AVG MIN MAX COUNT
+  // SUM, AVG, MIN, MAX, COUNT of a field, COUNT(*), arithmetic in and between them: "SUM(Qty * Price) / COUNT(*)".
+  // DataError when the dataset is open and the expression cannot be computed; one that turns out so later is null.
+  TField* AddAggregateField(const QString& name, const QString& expression);
   // Drops an aggregate, or, while closed, a calculated field; the object is gone.
   void RemoveField(TField* field);
-  bool AggregatesActive = false;
+  bool AggregatesActive = false;             // off: aggregate fields are null, and changes cost nothing for them
   void UpdateLayout();                       // after captions, visibility or order changed: tell the controls
 
+  // A record that is being inserted is part of the view: it counts, it has a number, ValueAt() reads it. It stands
+  // before the record that was current (Insert) or at the end (Append). Deleting the last record reaches Eof.
   // --- Cursor -------------------------------------------------------------------------------------------
   void First();
   void Last();                               // fetches all packets first
@@ -124,6 +130,8 @@ class KALVOR_DATA TClientDataSet : public QObject {
   bool GotoBookmark(Bookmark bookmark);      // false: that record is not in the view
   qsizetype RowOfBookmark(Bookmark bookmark) const;  // from 0; -1 when not in the view
   Bookmark BookmarkOfRow(qsizetype row) const;
+  // Over the view; what is not among the fetched records makes it fetch the rest. Case matters unless an option says
+  // otherwise; null finds null. False: nothing moved. DataError when fields and values do not agree in number.
   bool Locate(const QString& fieldNames, const Variant& values, LocateOptions options = {});
   Variant Lookup(const QString& keyFields, const Variant& keyValues, const QString& resultFields);
   void DisableControls();                    // nested; one DataSetChange at the last EnableControls
@@ -152,14 +160,18 @@ class KALVOR_DATA TClientDataSet : public QObject {
   QList<Bookmark> DeletedRecords() const;
 
   // --- Views --------------------------------------------------------------------------------------------
-  // Text filter: Field = 'x', <>, <, >, <=, >=, LIKE, AND, OR, NOT, brackets, = NULL, dates in quotes.
-  // A filter that does not parse throws DataError and leaves the view as it was.
+  // Text filter: Field = 'x', <>, <, >, <=, >=, [NOT] LIKE with % and _, [NOT] IN (..), AND, OR, NOT, brackets,
+  // = NULL, IS [NOT] NULL, another field, [names with blanks], dates in quotes. A null field passes no comparison.
+  // A filter that does not parse throws DataError and leaves the view as it was. A new filter starts at the first
+  // record; records that arrive or change are filtered as they come.
   void SetFilter(const QString& text);
   QString Filter() const;
   void SetFiltered(bool on);
   bool Filtered() const;
   bool FilterCaseInsensitive = true;
-  void SetIndexFieldNames(const QString& names);  // "A;B", "A DESC;B"; empty = order of arrival
+  // "A;B", "A DESC;B"; empty = order of arrival. Texts in the order of the Bulgarian alphabet without regard to
+  // case (collation.h), nulls first. Needs fields with a column (DataError). Ends a range, keeps the record.
+  void SetIndexFieldNames(const QString& names);
   QString IndexFieldNames() const;
   void SetGroupingLevel(int levels);         // over the first index fields
   int GroupingLevel() const;
@@ -168,7 +180,9 @@ class KALVOR_DATA TClientDataSet : public QObject {
   Variant AggregateValue(const QString& expression) const;  // over the view, kept up to date
   void SetRange(const VariantArray& from, const VariantArray& to);  // over the index fields
   void CancelRange();
-  void SetKey();                             // key search over the index: set fields, then go
+  // Key search over the index: SetKey, set index fields, go. A key is exact, its letters' case too; GotoNearest goes
+  // to the first record that is not before it. Both fetch the rest where the fetched records do not answer.
+  void SetKey();
   bool GotoKey();
   void GotoNearest();
 

@@ -36,8 +36,8 @@ struct TClientDataSet::Private {
   void addPacket(const RecordSet& packet);
   void checkActive() const;
   bool fetchOnDemand();          // false: nothing more
-  QVariantList keyOfCurrent() const;
   void replaceRecords(const DataPacket& packet);
+  void findAgain(const VariantArray& key, qsizetype fetchedBefore);
   void fillEmptyView();          // fetches on while a filter lets nothing through
 
   // --- Fields (dataset_fields.cpp) ----------------------------------------------------------------------
@@ -124,7 +124,9 @@ struct TClientDataSet::Private {
   qsizetype findInView(const QList<TField*>& keyFields, const VariantArray& wanted, LocateOptions options,
                        qsizetype from) const;
   qsizetype findFetching(const QList<TField*>& keyFields, const VariantArray& wanted, LocateOptions options);
-  qsizetype findKey(const QVariantList& key) const;
+  QList<TField*> keyFields() const;
+  VariantArray keyOfCurrent() const;
+  qsizetype findKey(const VariantArray& key, qsizetype from) const;
   size_t keyFieldCount() const;          // leading index fields that the key buffer has values for
   qsizetype lowerBoundOfKey() const;
   qsizetype findKeyBuffer() const;

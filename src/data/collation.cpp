@@ -2,6 +2,7 @@
 
 #include <QChar>
 #include <QString>
+#include <QtEndian>
 #include <array>
 
 namespace kalvor {
@@ -108,18 +109,21 @@ void appendWeights(QStringView text, std::vector<quint8>& weights)
     if (weight == 0)
       continue;
     weights.push_back(quint8(weight >> 16));
-    if (weight >> 16 == otherWeight) {
-      weights.push_back(quint8(weight >> 8));
-      weights.push_back(quint8(weight));
-    }
+    if (weight >> 16 != otherWeight)
+      continue;
+    const quint32 code = weight & 0xFFFF;
+    for (const quint32 part : {code / (254 * 254), code / 254 % 254, code % 254})
+      weights.push_back(quint8(part + 1));
   }
 }
 
 quint64 weightPrefix(const quint8* weights, size_t count)
 {
+  if (count >= 8)
+    return qFromBigEndian<quint64>(weights);
   quint64 prefix = 0;
-  for (size_t i = 0; i < 8; ++i)
-    prefix = prefix << 8 | (i < count ? weights[i] : 0);
+  for (size_t i = 0; i < count; ++i)
+    prefix |= quint64(weights[i]) << (56 - 8 * i);
   return prefix;
 }
 

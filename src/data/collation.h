@@ -14,10 +14,9 @@ namespace kalvor {
 
 // Below, at or above 0.
 KALVOR_DATA int compareText(QStringView a, QStringView b);
-// The weights as bytes: texts are in the order of their bytes. No character takes more than largestWeight.
-constexpr size_t largestWeight = 3;
+// The weights as bytes, none of them 0: texts are in the order of their bytes.
 void appendWeights(QStringView text, std::vector<quint8>& weights);
-// The first eight of them as a number.
+// The first eight of them as a number, 0 after the end.
 quint64 weightPrefix(const quint8* weights, size_t count);
 
 // One character without its case; texts fold character by character.

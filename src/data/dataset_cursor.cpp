@@ -64,7 +64,11 @@ void TClientDataSet::Private::goToRow(RowId row, qsizetype otherwise)
 // deletes while it goes sees every record once.
 void TClientDataSet::Private::afterViewLoss(qsizetype position)
 {
-  while (position >= qsizetype(view.size()) && q->FetchOnDemand && fetchPacket(q->PacketRecords)) {
+  try {
+    while (position >= qsizetype(view.size()) && q->FetchOnDemand && fetchPacket(q->PacketRecords)) {
+    }
+  } catch (const DataError&) {
+    // What was done to the record stands. Whoever moves on is told that the server does not answer.
   }
   goToRow(noRow, position);
   eof = position >= qsizetype(view.size());

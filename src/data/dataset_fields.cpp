@@ -33,7 +33,7 @@ void TClientDataSet::Private::removeField(TField* field)
 void TClientDataSet::Private::bindFields(const QList<FieldDef>& definitions)
 {
   QHash<QString, int> columns;
-  for (int i = 0; i < int(definitions.size()); ++i)
+  for (int i = int(definitions.size()) - 1; i >= 0; --i)  // of two columns of one name the first is the field's
     columns.insert(definitions[i].name.toCaseFolded(), i);
   std::vector<TField*> gone;
   for (const auto& field : fields)
@@ -45,6 +45,8 @@ void TClientDataSet::Private::bindFields(const QList<FieldDef>& definitions)
   const QStringList keys = splitNames(q->Key);
   for (int i = 0; i < int(definitions.size()); ++i) {
     const FieldDef& definition = definitions[i];
+    if (columns.value(definition.name.toCaseFolded()) != i)
+      continue;
     TField* field = fieldsByName.value(definition.name.toCaseFolded());
     if (!field) {
       field = addField(definition, FieldValueKind::Data);

@@ -60,10 +60,27 @@ qsizetype TClientDataSet::Private::findFetching(const QList<TField*>& keyFields,
   return position;
 }
 
-qsizetype TClientDataSet::Private::findKey(const QVariantList& key) const
+QList<TField*> TClientDataSet::Private::keyFields() const
 {
-  const QList<TField*> keyFields = fieldsOf(q->Key);
-  return key.isEmpty() || key.size() != keyFields.size() ? -1 : findInView(keyFields, key, {}, 0);
+  QList<TField*> found;
+  for (const QString& name : splitNames(q->Key))
+    if (TField* field = q->FindField(name))
+      found.append(field);
+  return found;
+}
+
+VariantArray TClientDataSet::Private::keyOfCurrent() const
+{
+  VariantArray key;
+  if (currentRow() != noRow)
+    for (const TField* field : keyFields())
+      key.append(field->Value());
+  return key;
+}
+
+qsizetype TClientDataSet::Private::findKey(const VariantArray& key, qsizetype from) const
+{
+  return key.isEmpty() ? -1 : findInView(keyFields(), key, {}, from);
 }
 
 bool TClientDataSet::Locate(const QString& fieldNames, const Variant& values, LocateOptions options)

@@ -122,11 +122,16 @@ void TClientDataSet::Private::storeFieldValue(TField* field, const Variant& conv
   modified = true;
   invalidateCalculated();
   calculateInternalOfBuffer();
-  const auto tell = qScopeGuard([this, field] { notify(DataEvent::RecordChange, field); });
   if (field->OnChange) {
     const FieldEvent handler = field->OnChange;
-    handler(field);
+    try {
+      handler(field);
+    } catch (...) {
+      notify(DataEvent::RecordChange, field);
+      throw;
+    }
   }
+  notify(DataEvent::RecordChange, field);
 }
 
 // --- Append, insert, edit -------------------------------------------------------------------------------

@@ -7,6 +7,22 @@
 
 namespace kalvor {
 
+namespace {
+
+// Packets come from outside: every column must hold what the fields and the number of rows say.
+void checkShape(const RecordSet& records)
+{
+  bool fits = records.columns.size() == size_t(records.fields.size());
+  for (qsizetype i = 0; fits && i < records.fields.size(); ++i) {
+    const Column& column = records.columns[size_t(i)];
+    fits = column.size() == records.rows && column.kind() == storageOf(records.fields[i].type);
+  }
+  if (!fits)
+    throw DataError(dataMessage(errPacketFields));
+}
+
+}  // namespace
+
 TClientDataSet::TClientDataSet(QObject* parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
 
 TClientDataSet::~TClientDataSet()
@@ -63,6 +79,7 @@ void TClientDataSet::Open()
 // Nothing of the dataset changes before everything that can fail has succeeded.
 void TClientDataSet::Private::activate(RecordSet records, const PacketFile* changes)
 {
+  checkShape(records);
   auto undo = qScopeGuard([this] {
     drop();
     state = DataSetState::Inactive;
@@ -174,6 +191,7 @@ bool TClientDataSet::Private::fetchPacket(qsizetype count)
   const DataPacketPtr packet = broker->fetchRecords(q->ProviderName, continuation, count);
   if (!packet)
     throw DataError(dataMessage(errNoProvider));
+  checkShape(packet->records);
   addPacket(packet->records);
   // An empty packet ends the records even where the server offers to go on: nothing may loop for ever.
   continuation = packet->records.rows > 0 ? packet->continuation : Variant();
@@ -229,16 +247,6 @@ bool TClientDataSet::Private::fetchOnDemand()
   return q->FetchOnDemand && q->GetNextPacket();
 }
 
-QVariantList TClientDataSet::Private::keyOfCurrent() const
-{
-  QVariantList key;
-  if (currentRow() != noRow)
-    for (const QString& name : splitNames(q->Key))
-      if (const TField* field = q->FindField(name))
-        key.append(field->Value());
-  return key;
-}
-
 void TClientDataSet::Refresh()
 {
   d->checkActive();
@@ -251,22 +259,39 @@ void TClientDataSet::Refresh()
   const DataPacketPtr packet = d->broker->openProvider(ProviderName, PacketRecords);
   if (!packet)
     throw DataError(dataMessage(errNoProvider));
-  const QVariantList key = d->keyOfCurrent();
+  checkShape(packet->records);
+  const VariantArray key = d->keyOfCurrent();
   const qsizetype fetchedBefore = d->store.rows;
   d->replaceRecords(*packet);
-  // As far as had been read before, and one packet more: a record that is gone must not fetch a whole table.
-  qsizetype position = d->findKey(key);
-  while (position < 0 && d->store.rows <= fetchedBefore && d->fetchPacket(PacketRecords))
-    position = d->findKey(key);
   d->toFirst();
-  if (position >= 0) {
-    d->setCursor(position);
-    d->bof = position == 0;
+  try {
+    d->findAgain(key, fetchedBefore);
+  } catch (...) {
+    d->notify(DataEvent::DataSetChange);
+    throw;
   }
   d->notify(DataEvent::DataSetChange);
   d->call(AfterRefresh);
   if (!IsEmpty())
     d->call(AfterScroll);
+}
+
+// As far as had been read before, and one packet more: a record that is gone must not fetch a whole table.
+void TClientDataSet::Private::findAgain(const VariantArray& key, qsizetype fetchedBefore)
+{
+  fillEmptyView();
+  qsizetype position = findKey(key, 0);
+  while (position < 0 && !key.isEmpty() && store.rows <= fetchedBefore) {
+    const qsizetype searched = rowOrder.isEmpty() ? qsizetype(view.size()) : 0;
+    if (!fetchPacket(q->PacketRecords))
+      break;
+    position = findKey(key, searched);
+  }
+  toFirst();
+  if (position < 0)
+    return;
+  setCursor(position);
+  bof = position == 0;
 }
 
 void TClientDataSet::Private::replaceRecords(const DataPacket& packet)

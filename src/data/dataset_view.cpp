@@ -203,9 +203,14 @@ void TClientDataSet::Private::showNewView(bool fromFirst)
 {
   call(q->BeforeScroll);
   rebuildView();
-  fillEmptyView();
   if (fromFirst)
     toFirst();
+  try {
+    fillEmptyView();
+  } catch (...) {
+    notify(DataEvent::DataSetChange);
+    throw;
+  }
   notify(DataEvent::DataSetChange);
   call(q->AfterScroll);
 }

@@ -47,7 +47,7 @@ class FilterLexer {
     if (c == u'[')
       return bracketed(token);
     if (isWordStart(c))
-      return run(token, TokenKind::Word, [](QChar d) { return isWordStart(d) || d.isDigit() || d == u'.' || d == u'$'; });
+      return run(token, TokenKind::Word, [](QChar d) { return isWordStart(d) || d.isDigit() || d == u'.'; });
     if (c.isDigit() || (c == u'.' && at_ + 1 < text_.size() && text_[at_ + 1].isDigit()))
       return run(token, TokenKind::Number, [](QChar d) { return d.isDigit() || d == u'.'; });
     return symbol(token);

@@ -173,8 +173,10 @@ class FilterCompiler {
     if (isNull(*converted))
       return compareWithNull(field.column, op);
     switch (storageOf(field.type)) {
-      case StorageKind::Integer:
-        return leaf(numberEvaluator<qint64>(op, field.column, storedInteger(field.type, *converted), &Column::integers));
+      case StorageKind::Integer: {
+        const qint64 wanted = storedInteger(field.type, *converted);
+        return leaf(numberEvaluator<qint64>(op, field.column, wanted, &Column::integers));
+      }
       case StorageKind::Real:
         return leaf(numberEvaluator<double>(op, field.column, converted->toDouble(), &Column::reals));
       default: {

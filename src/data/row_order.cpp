@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -82,49 +81,6 @@ class DistinctTexts {
   std::vector<RowId> firstRows_;
 };
 
-// Rank of every different text, from 1; texts that are equal in order share a rank.
-std::vector<quint64> ranksOf(const Column& column, const std::vector<RowId>& texts)
-{
-  struct Entry {
-    quint64 prefix;  // the first weights, and the ones that follow, as numbers
-    quint64 further;
-    quint32 start;   // of all weights
-    quint32 length;
-    quint32 number;
-  };
-  std::vector<quint8> weights;
-  std::vector<Entry> entries;
-  entries.reserve(texts.size());
-  for (quint32 i = 0; i < texts.size(); ++i) {
-    const size_t start = weights.size();
-    const QStringView text = column.textAt(texts[i]);
-    if (size_t(text.size()) * largestWeight > std::numeric_limits<quint32>::max() - start)
-      throw DataError(QStringLiteral("Твърде много текст за подреждане!"));
-    appendWeights(text, weights);
-    const size_t length = weights.size() - start;
-    const size_t rest = length > 8 ? length - 8 : 0;
-    entries.push_back({weightPrefix(weights.data() + start, length), weightPrefix(weights.data() + start + 8, rest),
-                       quint32(start), quint32(length), i});
-  }
-  const auto compare = [&](const Entry& a, const Entry& b) {
-    if (a.prefix != b.prefix)
-      return a.prefix < b.prefix ? -1 : 1;
-    if (a.further != b.further)
-      return a.further < b.further ? -1 : 1;
-    const int result = std::memcmp(weights.data() + a.start, weights.data() + b.start, std::min(a.length, b.length));
-    return result != 0 ? result : order(a.length, b.length);
-  };
-  std::ranges::sort(entries, [&](const Entry& a, const Entry& b) { return compare(a, b) < 0; });
-  std::vector<quint64> ranks(texts.size());
-  quint64 rank = 0;
-  for (size_t i = 0; i < entries.size(); ++i) {
-    if (i == 0 || compare(entries[i - 1], entries[i]) != 0)
-      ++rank;
-    ranks[entries[i].number] = rank;
-  }
-  return ranks;
-}
-
 struct KeyedPlace {
   quint64 key;
   quint32 place;
@@ -152,14 +108,107 @@ void radixSort(std::vector<KeyedPlace>& entries)
   }
 }
 
+// The weights of texts, one after the other, so that sorting compares eight of them at a time.
+class TextWeights {
+ public:
+  void append(QStringView text)
+  {
+    appendWeights(text, weights_);
+    if (weights_.size() > std::numeric_limits<quint32>::max())
+      throw DataError(QStringLiteral("Твърде много текст за подреждане!"));
+    ends_.push_back(quint32(weights_.size()));
+  }
+
+  quint32 count() const { return quint32(ends_.size()); }
+
+  // Rank of every text, from 1; texts that are equal in order share a rank.
+  std::vector<quint64> ranks()
+  {
+    entries_.resize(count());
+    for (quint32 i = 0; i < count(); ++i)
+      entries_[i].place = i;
+    differs_.assign(count(), 0);
+    runs_.push_back({0, count(), 0});
+    while (!runs_.empty()) {
+      const Run run = runs_.back();
+      runs_.pop_back();
+      sortRun(run);
+    }
+    std::vector<quint64> ranks(count());
+    quint64 rank = 1;
+    for (size_t i = 0; i < entries_.size(); ++i) {
+      rank += differs_[i];
+      ranks[entries_[i].place] = rank;
+    }
+    return ranks;
+  }
+
+ private:
+  // Texts that are equal in their first depth weights.
+  struct Run {
+    quint32 first;
+    quint32 last;
+    quint32 depth;
+  };
+
+  void sortRun(Run run)
+  {
+    const auto first = entries_.begin() + run.first;
+    const auto last = entries_.begin() + run.last;
+    for (auto entry = first; entry != last; ++entry) {
+      const quint32 start = (entry->place == 0 ? 0 : ends_[entry->place - 1]) + run.depth;
+      const quint32 end = ends_[entry->place];
+      entry->key = start < end ? weightPrefix(weights_.data() + start, end - start) : 0;
+    }
+    std::sort(first, last, [](const KeyedPlace& a, const KeyedPlace& b) { return a.key < b.key; });
+    for (auto from = first; from != last;) {
+      const auto to = std::find_if(from, last, [from](const KeyedPlace& e) { return e.key != from->key; });
+      differs_[size_t(from - entries_.begin())] |= quint8(from != first);
+      // No weight is 0: a key with a 0 at its end is the end of its texts.
+      if (to - from > 1 && (from->key & 0xFF) != 0)
+        runs_.push_back({quint32(from - entries_.begin()), quint32(to - entries_.begin()), run.depth + 8});
+      from = to;
+    }
+  }
+
+  std::vector<quint8> weights_;
+  std::vector<quint32> ends_;
+  std::vector<KeyedPlace> entries_;
+  std::vector<quint8> differs_;  // from the entry before
+  std::vector<Run> runs_;
+};
+
+// Texts that hardly ever repeat are not worth looking for.
+bool repeatsOften(const Column& column, const std::vector<RowId>& rows)
+{
+  constexpr size_t sample = 4096;
+  if (rows.size() <= sample)
+    return false;
+  DistinctTexts distinct(column);
+  for (size_t i = 0; i < sample; ++i)
+    distinct.numberOf(rows[i * (rows.size() / sample)]);
+  return distinct.firstRows().size() < sample * 3 / 4;
+}
+
 std::vector<quint64> textKeys(const Column& column, const std::vector<RowId>& rows)
 {
-  DistinctTexts distinct(column);
+  TextWeights weights;
   std::vector<quint64> keys;
   keys.reserve(rows.size());
-  for (RowId row : rows)
-    keys.push_back(column.isNull(row) ? 0 : distinct.numberOf(row) + 1);
-  const std::vector<quint64> ranks = ranksOf(column, distinct.firstRows());
+  if (repeatsOften(column, rows)) {
+    DistinctTexts distinct(column);
+    for (RowId row : rows)
+      keys.push_back(column.isNull(row) ? 0 : distinct.numberOf(row) + 1);
+    for (RowId row : distinct.firstRows())
+      weights.append(column.textAt(row));
+  } else {
+    for (RowId row : rows) {
+      if (!column.isNull(row))
+        weights.append(column.textAt(row));
+      keys.push_back(column.isNull(row) ? 0 : weights.count());
+    }
+  }
+  const std::vector<quint64> ranks = weights.ranks();
   for (quint64& key : keys)
     key = key == 0 ? 0 : ranks[key - 1];
   return keys;

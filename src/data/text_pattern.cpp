@@ -183,7 +183,9 @@ bool TextPattern::scanArena(const Column& column, qsizetype first, qsizetype las
   qsizetype row = first;
   qsizetype at = find(0);
   while (at >= 0) {
-    const auto endOf = [&](qsizetype r) { return qint64(spans[size_t(r)].start) + spans[size_t(r)].length - qint64(begin); };
+    const auto endOf = [&](qsizetype r) {
+      return qint64(spans[size_t(r)].start) + spans[size_t(r)].length - qint64(begin);
+    };
     while (row < last && (spans[size_t(row)].length == 0 || endOf(row) <= at))
       ++row;
     if (row == last)

@@ -151,12 +151,22 @@ std::optional<Variant> toDateTime(const Variant& value)
   if (value.typeId() == QMetaType::QDateTime)
     when = value.toDateTime();
   else if (value.typeId() == QMetaType::QDate)
-    when = value.toDate().startOfDay();
+    when = QDateTime(value.toDate(), QTime(0, 0));
   else if (value.typeId() == QMetaType::QString)
     when = parseDateTime(value.toString());
   if (!when || !when->date().isValid())
     return {};
   return Variant(*when);
+}
+
+bool isNoDate(const Variant& value)
+{
+  switch (value.typeId()) {
+    case QMetaType::QDate: return !value.toDate().isValid();
+    case QMetaType::QTime: return !value.toTime().isValid();
+    case QMetaType::QDateTime: return !value.toDateTime().date().isValid();
+    default: return false;
+  }
 }
 
 Variant toText(const Variant& value, TextForm form)
@@ -176,7 +186,7 @@ Variant toText(const Variant& value, TextForm form)
 
 std::optional<Variant> convertedValue(DataType type, const Variant& value, TextForm form)
 {
-  if (isNull(value))
+  if (isNull(value) || isNoDate(value))
     return Variant();
   if (!isTextType(type) && type != DataType::Blob && value.typeId() == QMetaType::QString &&
       value.toString().trimmed().isEmpty())

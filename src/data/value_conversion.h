@@ -15,8 +15,8 @@ enum class TextForm : quint8 {
 };
 
 // The value as the type keeps it: QString, qlonglong, bool, double, QDate, QTime, QDateTime, QByteArray; null
-// stays null. Nothing when the value does not convert, or a number is out of the type's range. A real number
-// that goes to an integer type is rounded, half away from zero; a text is not.
+// stays null, and a date that is none is null. Nothing when the value does not convert, or a number is out of the
+// type's range. A real number that goes to an integer type is rounded, half away from zero; a text is not.
 std::optional<Variant> convertedValue(DataType type, const Variant& value, TextForm form);
 
 // Text of a value as users read and type it; null is the empty text.

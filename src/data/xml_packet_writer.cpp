@@ -154,14 +154,15 @@ QByteArray writePacket(const PacketFile& packet)
   for (qsizetype row = 0; row < packet.records.rows; ++row) {
     xml.writeStartElement(QStringLiteral("r"));
     const qsizetype number = changeOf[size_t(row)];
-    if (number >= 0) {
-      xml.writeAttribute(QStringLiteral("status"), QString::fromUtf16(rowStateName(packet.changes[size_t(number)].state)));
+    const RecordChange* const change = number < 0 ? nullptr : &packet.changes[size_t(number)];
+    if (change) {
+      xml.writeAttribute(QStringLiteral("status"), QString::fromUtf16(rowStateName(change->state)));
       xml.writeAttribute(QStringLiteral("change"), QString::number(number));
     }
     writeCells(xml, packet.records, row);
-    if (number >= 0 && packet.changes[size_t(number)].original >= 0) {
+    if (change && change->original >= 0) {
       xml.writeStartElement(QStringLiteral("o"));
-      writeCells(xml, packet.originals, packet.changes[size_t(number)].original);
+      writeCells(xml, packet.originals, change->original);
       xml.writeEndElement();
     }
     xml.writeEndElement();

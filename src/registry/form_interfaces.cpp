@@ -9,6 +9,13 @@ ITableFilterIntf::~ITableFilterIntf() = default;
 IFieldFilterIntf::~IFieldFilterIntf() = default;
 IMainFormIntf::~IMainFormIntf() = default;
 
+TSelectorDependantFieldsArray IBaseIntf::GetSelectorDependantFields() const
+{
+  return {};
+}
+
+void IBaseIntf::SetDependantSelectorField(TField*, TSelector*) {}
+
 namespace {
 IMainFormIntf* installedMainForm = nullptr;
 }

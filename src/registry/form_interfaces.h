@@ -10,6 +10,15 @@
 
 namespace kalvor {
 
+class TSelector;
+
+// A field whose value decides which item of a selector is in force.
+struct TSelectorDependantField {
+  TField* Field = nullptr;
+  TSelector* Selector = nullptr;
+};
+using TSelectorDependantFieldsArray = QList<TSelectorDependantField>;
+
 // What a form that was opened to choose or edit a record tells whoever opened it.
 class KALVOR_RULES ISelectorOwnerIntf {
  public:
@@ -50,6 +59,8 @@ class KALVOR_RULES IBaseIntf : public ISelectorOwnerIntf {
   virtual void SetActiveSelector(ISelectorOwnerIntf* target) = 0;
   virtual int SetSelectorAction(TField* field) = 0;  // negative: do not run the field's selector
   virtual bool ifInCopyData() const = 0;
+  virtual TSelectorDependantFieldsArray GetSelectorDependantFields() const;         // none
+  virtual void SetDependantSelectorField(TField* field, TSelector* selector);  // keeps nothing
   virtual QString GetFieldDefaultValue(int dsIndex, int fieldIndex) const = 0;
   virtual Variant ParseDefaultValue(const QString& text, TField* field) = 0;
 

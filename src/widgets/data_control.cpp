@@ -138,6 +138,22 @@ QColor DataControl::backgroundColor() const
   return readOnlyColor_.isValid() ? readOnlyColor_ : theme().readOnly;
 }
 
+void DataControl::applyBackground(const QList<QPalette::ColorRole>& roles)
+{
+  const QColor wanted = backgroundColor();
+  if (wanted == shownBackground_) {
+    return;
+  }
+  shownBackground_ = wanted;
+  QPalette colors;
+  if (wanted.isValid()) {
+    for (const QPalette::ColorRole role : roles) {
+      colors.setColor(role, wanted);
+    }
+  }
+  widget_->setPalette(colors);
+}
+
 void DataControl::refresh()
 {
   modified_ = false;

@@ -24,7 +24,6 @@ KALVOR_WIDGETS bool attempt(QWidget* control, const std::function<void()>& work)
 // Follows one field of a dataset, named by text: the field may come and go with the dataset's layout.
 class KALVOR_WIDGETS FieldBinding : public DataLink {
  public:
-  // own: the event concerns this field or the whole record.
   using Listener = std::function<void(DataEvent event, TField* field)>;
 
   explicit FieldBinding(Listener listener) : listener_(std::move(listener)) {}
@@ -84,13 +83,15 @@ class KALVOR_WIDGETS DataControl {
   bool beginChange();
   // beginChange() and commit() in one, for controls whose change is complete at once.
   bool changeNow();
-  QColor backgroundColor() const;
+  // Gives the palette roles the background of the moment: refused, read-only, or the usual one.
+  void applyBackground(const QList<QPalette::ColorRole>& roles);
   // Focus is leaving: commits; when that is refused the focus comes back before the message.
   void commitOnLeave(Qt::FocusReason reason);
 
  private:
   void dataEvent(DataEvent event, TField* field);
   void refresh();
+  QColor backgroundColor() const;
   void storeOrThrow();
   enum class Telling : quint8 { Now, AfterFocusMoved };
   void tellRefusal(const QString& message, Telling when);
@@ -99,6 +100,7 @@ class KALVOR_WIDGETS DataControl {
   FieldBinding binding_;
   QString dataSetName_;
   QColor readOnlyColor_;
+  QColor shownBackground_;
   bool readOnly_ = false;
   bool modified_ = false;
   bool refused_ = false;

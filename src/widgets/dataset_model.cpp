@@ -91,8 +91,7 @@ QVariant DatasetModel::data(const QModelIndex& index, int role) const
     return {};
   }
   switch (role) {
-    case Qt::DisplayRole:
-    case Qt::ToolTipRole: return field->DisplayTextAt(index.row());
+    case Qt::DisplayRole: return field->DisplayTextAt(index.row());
     case Qt::TextAlignmentRole: return int(fieldAlignment(field) | Qt::AlignVCenter);
     case Qt::ForegroundRole:
       if (isNumericType(field->FieldDataType()) && !field->OnGetText &&

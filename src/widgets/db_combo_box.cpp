@@ -82,12 +82,7 @@ void DataComboBox::storeField()
 
 void DataComboBox::updateAccess()
 {
-  QPalette colors;
-  if (const QColor background = backgroundColor(); background.isValid()) {
-    colors.setColor(QPalette::Base, background);
-    colors.setColor(QPalette::Button, background);
-  }
-  setPalette(colors);
+  applyBackground({QPalette::Base, QPalette::Button});
 }
 
 void DataComboBox::showPopup()

@@ -76,11 +76,7 @@ void DataEdit::updateAccess()
   if (const int limit = limited ? bound->Size() : toolkitLimit; limit != maxLength()) {
     setMaxLength(limit);  // which would drop the selection
   }
-  QPalette colors;
-  if (const QColor background = backgroundColor(); background.isValid()) {
-    colors.setColor(QPalette::Base, background);
-  }
-  setPalette(colors);
+  applyBackground({QPalette::Base});
 }
 
 void DataEdit::keyPressEvent(QKeyEvent* event)

@@ -34,6 +34,7 @@ TDBGrid::~TDBGrid() = default;
 
 void TDBGrid::connectModel()
 {
+  connect(model_, &QAbstractItemModel::modelReset, this, [this] { sampled_ = false; });
   connect(model_, &DatasetModel::fieldsChanged, this, &TDBGrid::arrangeColumns);
   connect(model_, &DatasetModel::cursorMoved, this, &TDBGrid::followCursor);
   connect(model_, &DatasetModel::recordsChanged, this, &TDBGrid::followRecords);
@@ -50,7 +51,11 @@ void TDBGrid::connectModel()
   }
   connect(verticalHeader(), &QHeaderView::sectionPressed, this, [this](int row) {
     if (currentIndex().isValid()) {
+      const Bookmark before = dataSet()->GetBookmark();
       setCurrentIndex(model_->index(row, currentIndex().column()));
+      if (currentIndex().row() == row) {
+        markByMouse(row, QApplication::keyboardModifiers(), before);
+      }
     }
     setFocus(Qt::MouseFocusReason);
   });

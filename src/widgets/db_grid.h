@@ -113,6 +113,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
   void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   bool focusNextPrevChild(bool next) override;
   void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles = {}) override;
@@ -158,6 +159,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   bool commandKey(QKeyEvent* event);
   bool editingKey(QKeyEvent* event);
   bool moveRecord(const std::function<void()>& move);
+  bool markByMouse(int row, Qt::KeyboardModifiers modifiers, Bookmark before);
   void extendMarks(Bookmark from);
   void markRange(qsizetype from, qsizetype to);
 

@@ -9,15 +9,16 @@ bool TDBGrid::editableNow() const
          canEditField(selectedField());
 }
 
+// Keys and input methods come here too, whatever the model says may be edited.
+bool TDBGrid::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
+{
+  return index == currentIndex() && editableNow() &&
+         stateOf(selectedField()).editor.kind != CellEditorKind::CheckBox && QTableView::edit(index, trigger, event);
+}
+
 bool TDBGrid::editCell()
 {
-  if (!editableNow()) {
-    return false;
-  }
-  if (stateOf(selectedField()).editor.kind == CellEditorKind::CheckBox) {
-    return false;
-  }
-  return cellEditor() || QTableView::edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
+  return editor_ || edit(currentIndex(), QAbstractItemView::AllEditTriggers, nullptr);
 }
 
 void TDBGrid::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)

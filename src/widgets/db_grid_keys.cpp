@@ -18,6 +18,13 @@ bool isTypedText(const QKeyEvent* event)
          !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
 }
 
+// Digits and the letters of both alphabets; other characters are left to the form.
+bool startsSearch(const QString& text)
+{
+  const char16_t c = text.at(0).unicode();
+  return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || (c >= u'А' && c <= u'я');
+}
+
 }  // namespace
 
 void TDBGrid::keyPressEvent(QKeyEvent* event)
@@ -159,9 +166,9 @@ bool TDBGrid::editingKey(QKeyEvent* event)
     return false;
   }
   if (inCellEditing_) {
-    return editableNow() && QTableView::edit(currentIndex(), QAbstractItemView::AnyKeyPressed, event);
+    return edit(currentIndex(), QAbstractItemView::AnyKeyPressed, event);
   }
-  if (dataSet()->IsEditing()) {
+  if (dataSet()->IsEditing() || !startsSearch(event->text())) {
     return false;
   }
   emit characterTyped(event->text());
@@ -177,16 +184,9 @@ void TDBGrid::mousePressEvent(QMouseEvent* event)
   if (event->button() != Qt::LeftButton || !index.isValid() || currentIndex() != index) {
     return;
   }
-  if (multiSelect_ && event->modifiers().testFlag(Qt::ControlModifier)) {
-    setMarked(index.row(), !isMarked(index.row()));
-    anchor_ = dataSet()->GetBookmark();
+  if (markByMouse(index.row(), event->modifiers(), recordBefore)) {
     return;
   }
-  if (multiSelect_ && event->modifiers().testFlag(Qt::ShiftModifier)) {
-    extendMarks(recordBefore);
-    return;
-  }
-  clearMarks();
   const CellEditorKind kind = stateOf(model_->fieldAt(index.column())).editor.kind;
   const QPoint inCell = event->position().toPoint();
   if (kind == CellEditorKind::CheckBox) {

@@ -85,6 +85,21 @@ void TDBGrid::extendMarks(Bookmark from)
   }
 }
 
+bool TDBGrid::markByMouse(int row, Qt::KeyboardModifiers modifiers, Bookmark before)
+{
+  if (multiSelect_ && modifiers.testFlag(Qt::ControlModifier)) {
+    setMarked(row, !isMarked(row));
+    anchor_ = dataSet()->GetBookmark();
+    return true;
+  }
+  if (multiSelect_ && modifiers.testFlag(Qt::ShiftModifier)) {
+    extendMarks(before);
+    return true;
+  }
+  clearMarks();
+  return false;
+}
+
 QString TDBGrid::copyText(bool withHeaders) const
 {
   const QList<int> shown = shownColumns();

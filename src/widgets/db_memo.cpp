@@ -44,11 +44,7 @@ void TDBMemo::storeField()
 void TDBMemo::updateAccess()
 {
   QPlainTextEdit::setReadOnly(!canModify());
-  QPalette colors;
-  if (const QColor background = backgroundColor(); background.isValid()) {
-    colors.setColor(QPalette::Base, background);
-  }
-  setPalette(colors);
+  applyBackground({QPalette::Base});
 }
 
 void TDBMemo::keyPressEvent(QKeyEvent* event)

@@ -72,6 +72,7 @@ bool EditButtonPlacement::eventFilter(QObject*, QEvent* event)
 EditButton::EditButton(QWidget* edit) : QToolButton(edit->parentWidget())
 {
   setText(QStringLiteral("…"));
+  setAccessibleName(QStringLiteral("Избор"));
   setAutoRaise(true);
   setCursor(Qt::ArrowCursor);
   placement_ = new EditButtonPlacement(edit, this);

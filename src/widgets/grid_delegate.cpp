@@ -1,10 +1,12 @@
 #include "widgets/grid_delegate.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOption>
 #include <QTimer>
+#include <QToolTip>
 
 #include "widgets/db_combo_box.h"
 #include "widgets/db_date_edit.h"
@@ -119,6 +121,18 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(active ? option.rect.adjusted(1, 1, -1, -1) : option.rect.adjusted(0, 0, -1, -1));
   }
+}
+
+bool GridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem&,
+                             const QModelIndex& index)
+{
+  if (event->type() != QEvent::ToolTip) {
+    return false;
+  }
+  const bool cut = index.isValid() && grid_->textWidth(index.row(), index.column()) - spacing::tight >
+                                          grid_->visualRect(index).width();
+  cut ? QToolTip::showText(event->globalPos(), grid_->cellText(index), view) : QToolTip::hideText();
+  return true;
 }
 
 QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const

@@ -21,6 +21,10 @@ class GridDelegate : public QAbstractItemDelegate {
   void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+  // The whole text of a cell that is too narrow for it; nothing over the others.
+  bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) override;
+
   static QRect buttonRect(const QRect& cell);  // where the mark of a drop-down or selector stands
 
  protected:

@@ -15,7 +15,7 @@ struct BaseColors {
       invalid, invalidLine, changed, inserted, required, title;
 };
 
-constexpr BaseColors lightColors{0xfff3f5f7, 0xffffffff, 0xfff5f7f9, 0xff1f2a36, 0xff66727f, 0xfffbfcfd, 0xffc3cad3,
+constexpr BaseColors lightColors{0xfff3f5f7, 0xffffffff, 0xfff5f7f9, 0xff1f2a36, 0xff5f6b78, 0xfffbfcfd, 0xffc3cad3,
                                  0xffe6eaee, 0xff2f6fab, 0xffffffff, 0xffb3261e, 0xffeef1f4, 0xfffdecea, 0xffc5352b,
                                  0xfffff5d2, 0xffe8fee0, 0xffb3261e, 0xffebeff3};
 constexpr BaseColors darkColors{0xff22262c, 0xff1a1d22, 0xff1e2228, 0xffe3e7eb, 0xff97a2ae, 0xff2c3138, 0xff454d57,
@@ -104,7 +104,8 @@ void chooseIcons(bool dark)
 
 void applyTheme(QApplication& application, ThemeMode mode)
 {
-  const bool dark = mode == ThemeMode::Dark || (mode == ThemeMode::FollowSystem && systemIsDark());
+  const bool systemDark = systemIsDark();
+  const bool dark = mode == ThemeMode::Dark || (mode == ThemeMode::FollowSystem && systemDark);
   currentTheme() = themeFrom(dark ? darkColors : lightColors, dark);
   if (!qobject_cast<ThemeStyle*>(QApplication::style())) {
     QApplication::setStyle(new ThemeStyle);

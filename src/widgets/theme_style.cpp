@@ -23,6 +23,9 @@ void drawRoundFrame(QPainter* painter, const QRect& rect, const QColor& line, co
 
 QColor frameColor(const QStyleOption* option)
 {
+  if (option->palette.color(QPalette::Base) == theme().invalid) {
+    return theme().invalidLine;
+  }
   const bool enabled = option->state & QStyle::State_Enabled;
   if (enabled && (option->state & QStyle::State_HasFocus)) {
     return theme().accent;
@@ -103,6 +106,7 @@ int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, cons
     case PM_SmallIconSize:
     case PM_ButtonIconSize: return 16;
     case PM_ToolBarIconSize: return 22;
+    case PM_FocusFrameHMargin: return spacing::tight;  // beside the text of list items
     case PM_ScrollBarExtent: return 14;
     case PM_IndicatorWidth:
     case PM_IndicatorHeight: return checkBoxSide;
@@ -129,6 +133,8 @@ QSize ThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* option
   if (type == CT_LineEdit || type == CT_ComboBox || type == CT_PushButton || type == CT_SpinBox) {
     const int height = option ? textLineHeight(option->fontMetrics) + spacing::tight : result.height();
     result.setHeight(qMax(height, type == CT_PushButton ? result.height() : 0));
+  } else if (type == CT_ItemViewItem && option) {
+    result.setHeight(qMax(result.height(), textLineHeight(option->fontMetrics)));
   }
   return result;
 }

@@ -31,6 +31,26 @@ inline RecordSet itemRecords(int count)
   return records;
 }
 
+// Names, numbers and days with nulls, cases and quotes among them.
+inline RecordSet people()
+{
+  RecordSet records({fieldDef("Id", DataType::Integer), fieldDef("Име", DataType::WideString, 30),
+                     fieldDef("Full Name", DataType::WideString, 60), fieldDef("Amount", DataType::Float),
+                     fieldDef("Day", DataType::Date), fieldDef("At", DataType::DateTime),
+                     fieldDef("Active", DataType::Boolean), fieldDef("Limit", DataType::Float)});
+  const auto add = [&](int id, const char* name, const char* full, const Variant& amount, const Variant& day,
+                       bool active, const Variant& limit) {
+    const Variant at = isNull(day) ? Variant() : Variant(QDateTime(day.toDate(), QTime(10, 0)));
+    records.appendRow({id, QString::fromUtf8(name), QString::fromUtf8(full), amount, day, at, active, limit});
+  };
+  add(1, "Иван", "Иван Петров О'Нийл", 10.5, QDate(2024, 1, 15), true, 5.0);
+  add(2, "анна", "Анна 100% Стоева", {}, QDate(2024, 2, 1), false, 5.0);
+  add(3, "ЩЕРЬО", "Щерьо_Щ", -3.0, {}, true, {});
+  add(4, "Zoran", "Zoran абв", 10.5, QDate(2023, 12, 31), false, 20.0);
+  records.appendRow({5});
+  return records;
+}
+
 // Serves the records in packets; the continuation is the number of the next one.
 class FakeBroker : public DataBroker {
  public:

@@ -33,7 +33,9 @@ struct Model {
       return std::make_tuple(isNull(values[2]) ? -1e9 : values[2].toDouble(), values[1].toString(), values[0].toInt());
     };
     if (order == 1)
-      std::ranges::stable_sort(shown, {}, [&](int i) { return std::make_tuple(std::get<0>(key(i)), std::get<2>(key(i))); });
+      std::ranges::stable_sort(shown, {}, [&](int i) {
+        return std::make_tuple(std::get<0>(key(i)), std::get<2>(key(i)));
+      });
     if (order == 2)
       std::ranges::stable_sort(shown, [&](int a, int b) {
         const int byName = QString::compare(rows[a].values[1].toString(), rows[b].values[1].toString());

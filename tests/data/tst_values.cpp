@@ -159,7 +159,8 @@ void TestValues::displayTexts_data()
   QTest::newRow("whole") << DataType::Integer << "2 024" << "" << "2024" << "2024";
   QTest::newRow("day") << DataType::Date << "1.2.24" << "" << "01.02.2024" << "01.02.2024";
   QTest::newRow("midnight") << DataType::DateTime << "1.2.24" << "" << "01.02.2024" << "01.02.2024";
-  QTest::newRow("moment") << DataType::DateTime << "1.2.24 3:04" << "dd.mm hh:nn" << "01.02 03:04" << "01.02.2024 03:04:00";
+  QTest::newRow("moment") << DataType::DateTime << "1.2.24 3:04" << "dd.mm hh:nn" << "01.02 03:04"
+                          << "01.02.2024 03:04:00";
   QTest::newRow("time") << DataType::Time << "3:04" << "hh:nn" << "03:04" << "03:04:00";
   QTest::newRow("truth") << DataType::Boolean << "1" << "" << QStringLiteral("Да") << "1";
   QTest::newRow("emptied") << DataType::Float << " " << "0.00" << "" << "";

@@ -59,24 +59,34 @@ class CommandTest : public QObject {
     QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE Comp_Id = '1'"), 5025);
     QCOMPARE(number("SELECT COUNT(*) FROM N_Item WHERE Comp_Id = '1'"), 1000);
     QCOMPARE(number("SELECT COUNT(DISTINCT DocumentNo) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE 'G%'"), 25);
-    QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceLine JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Id = Master_Id "
-                    "WHERE DocumentNo LIKE 'G%'"), 60);
-    QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE 'G%' AND DocumentNo <= 'G000000020' "
-                    "AND TotalValue <> (SELECT SUM(TotalValue) FROM D_SaleInvoiceLine WHERE Master_Id = D_SaleInvoiceHeader.Id)"), 0);
+    QCOMPARE(
+        number(
+            "SELECT COUNT(*) FROM D_SaleInvoiceLine JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Id = Master_Id "
+            "WHERE DocumentNo LIKE 'G%'"),
+        60);
+    QCOMPARE(
+        number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE 'G%' AND DocumentNo <= 'G000000020' "
+               "AND TotalValue <> (SELECT SUM(TotalValue) FROM D_SaleInvoiceLine WHERE Master_Id = "
+               "D_SaleInvoiceHeader.Id)"),
+        0);
   }
 
   void manyInvoicesKeepTheirIndexes()
   {
     const auto connection = kalvor::testing::demoDatabase();
     const auto indexes = [&] {
-      return connection->value(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND name LIKE 'IX%'")).toInt();
+      return connection
+          ->value(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND name LIKE 'IX%'"))
+          .toInt();
     };
     const int before = indexes();
     GeneratorOptions options;
     options.invoices = 50'000;
     generateInvoices(*connection, options);
     QCOMPARE(indexes(), before);
-    QCOMPARE(connection->value(QStringLiteral("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE Comp_Id = '1'")).toInt(), 50'400);
+    QCOMPARE(
+        connection->value(QStringLiteral("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE Comp_Id = '1'")).toInt(),
+        50'400);
   }
 };
 

@@ -81,7 +81,8 @@ class CsvReaderTest : public QObject {
     QTest::newRow("rounded down") << QByteArray("0.00000049999") << qint64(0);
     QTest::newRow("negative rounded away") << QByteArray("-1.0000005") << qint64(-1'000'001);
     QTest::newRow("largest") << QByteArray("9223372036854.775807") << qint64(9'223'372'036'854'775'807);
-    for (const char* bad : {"9223372036854.775808", "1,5", "1.", ".5", "", "-", "1e3", "1 000", "0x1", "1.2.3", "NaN", "--1"}) {
+    for (const char* bad :
+         {"9223372036854.775808", "1,5", "1.", ".5", "", "-", "1e3", "1 000", "0x1", "1.2.3", "NaN", "--1"}) {
       QTest::newRow(bad) << QByteArray(bad) << qint64(-1);
     }
   }
@@ -107,7 +108,8 @@ class CsvReaderTest : public QObject {
     QTest::newRow("local date") << DataType::Date << 0 << QByteArray("29.02.2024") << Variant();
     QTest::newRow("yes") << DataType::Boolean << 0 << QByteArray("1") << Variant(1);
     QTest::newRow("neither") << DataType::Boolean << 0 << QByteArray("да") << Variant();
-    QTest::newRow("fits in characters") << DataType::WideString << 3 << QByteArray("фев") << Variant(QStringLiteral("фев"));
+    QTest::newRow("fits in characters") << DataType::WideString << 3 << QByteArray("фев")
+                                        << Variant(QStringLiteral("фев"));
     QTest::newRow("too long") << DataType::WideString << 3 << QByteArray("февр") << Variant();
     QTest::newRow("not UTF-8") << DataType::WideString << 0 << QByteArray("\xD4\xE0\xEA\xF2") << Variant();
     QTest::newRow("NUL") << DataType::WideString << 0 << QByteArray("a\0b", 3) << Variant();

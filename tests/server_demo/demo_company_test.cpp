@@ -82,20 +82,32 @@ class DemoCompanyTest : public QObject {
     QTest::newRow("invoices") << "D_SaleInvoiceHeader WHERE Comp_Id = '1'" << 400;
     QTest::newRow("of the small company") << "D_SaleInvoiceHeader WHERE Comp_Id = '2'" << 8;
     QTest::newRow("objects") << "N_BusinessGroup WHERE Comp_Id = '1'" << 3;
-    QTest::newRow("users without settings") << "N_Users WHERE NOT EXISTS (SELECT 1 FROM s_UserSettings "
-                                               "WHERE s_UserSettings.Id = N_Users.Id AND s_UserSettings.Comp_Id = N_Users.Comp_Id)" << 0;
+    QTest::newRow("users without settings")
+        << "N_Users WHERE NOT EXISTS (SELECT 1 FROM s_UserSettings "
+           "WHERE s_UserSettings.Id = N_Users.Id AND s_UserSettings.Comp_Id = N_Users.Comp_Id)"
+        << 0;
     QTest::newRow("rights of the guest") << "S_Rights WHERE User_Id = 'GUEST'" << 0;
-    QTest::newRow("rows of the clerk filtered") << "S_Rights WHERE User_Id = 'CLERK' AND SecurityFilter IS NOT NULL" << 2;
-    QTest::newRow("auditor cannot change") << "S_Rights WHERE User_Id = 'AUDITOR' AND EditRight + InsertRight + DeleteRight > 0" << 0;
+    QTest::newRow("rows of the clerk filtered")
+        << "S_Rights WHERE User_Id = 'CLERK' AND SecurityFilter IS NOT NULL" << 2;
+    QTest::newRow("auditor cannot change")
+        << "S_Rights WHERE User_Id = 'AUDITOR' AND EditRight + InsertRight + DeleteRight > 0" << 0;
     QTest::newRow("inactive") << "N_Users WHERE Active = 0" << 1;
-    QTest::newRow("lines without document") << "D_SaleInvoiceLine WHERE Master_Id NOT IN (SELECT Id FROM D_SaleInvoiceHeader)" << 0;
-    QTest::newRow("lines of unknown items") << "D_SaleInvoiceLine WHERE NOT EXISTS (SELECT 1 FROM N_Item "
-                                               "WHERE N_Item.Code = D_SaleInvoiceLine.Code AND N_Item.Comp_Id = D_SaleInvoiceLine.Comp_Id)" << 0;
-    QTest::newRow("customers of another company") << "D_SaleInvoiceHeader JOIN N_Contragent ON N_Contragent.Id = Contragent_Id "
-                                                     "WHERE N_Contragent.Comp_Id <> D_SaleInvoiceHeader.Comp_Id" << 0;
+    QTest::newRow("lines without document")
+        << "D_SaleInvoiceLine WHERE Master_Id NOT IN (SELECT Id FROM D_SaleInvoiceHeader)" << 0;
+    QTest::newRow("lines of unknown items")
+        << "D_SaleInvoiceLine WHERE NOT EXISTS (SELECT 1 FROM N_Item "
+           "WHERE N_Item.Code = D_SaleInvoiceLine.Code AND N_Item.Comp_Id = D_SaleInvoiceLine.Comp_Id)"
+        << 0;
+    QTest::newRow("customers of another company")
+        << "D_SaleInvoiceHeader JOIN N_Contragent ON N_Contragent.Id = Contragent_Id "
+           "WHERE N_Contragent.Comp_Id <> D_SaleInvoiceHeader.Comp_Id"
+        << 0;
     QTest::newRow("items without their base measure") << "N_Item WHERE NOT EXISTS (SELECT 1 FROM N_ItemMeasure "
-        "WHERE Item_Id = N_Item.Id AND N_ItemMeasure.Measure_Id = N_Item.Measure_Id AND QtyPerUnitOfMeasure = 1000000)" << 0;
-    QTest::newRow("numbers given twice") << "(SELECT DocumentNo FROM D_SaleInvoiceHeader GROUP BY Comp_Id, DocumentNo HAVING COUNT(*) > 1)" << 0;
+                                                         "WHERE Item_Id = N_Item.Id AND N_ItemMeasure.Measure_Id = "
+                                                         "N_Item.Measure_Id AND QtyPerUnitOfMeasure = 1000000)"
+                                                      << 0;
+    QTest::newRow("numbers given twice")
+        << "(SELECT DocumentNo FROM D_SaleInvoiceHeader GROUP BY Comp_Id, DocumentNo HAVING COUNT(*) > 1)" << 0;
   }
 
   void counts()
@@ -106,7 +118,8 @@ class DemoCompanyTest : public QObject {
 
   void identificationCodesAreValid()
   {
-    const RecordSet rows = database_->query(QStringLiteral("SELECT Bulstat FROM N_Contragent WHERE Bulstat IS NOT NULL"));
+    const RecordSet rows =
+        database_->query(QStringLiteral("SELECT Bulstat FROM N_Contragent WHERE Bulstat IS NOT NULL"));
     QVERIFY(rows.rows > 40);
     for (qsizetype i = 0; i < rows.rows; ++i) {
       QVERIFY2(hasCheckDigit(rows.value(i, 0).toString()), qPrintable(rows.value(i, 0).toString()));
@@ -134,7 +147,8 @@ class DemoCompanyTest : public QObject {
       groups[lines->text(8)][lines->integer(3)] += expected;
     }
     QVERIFY(discounted > 100);
-    auto headers = database_->prepare(QStringLiteral("SELECT Id, TotalValue, VATValue, TotalVAT FROM D_SaleInvoiceHeader"));
+    auto headers =
+        database_->prepare(QStringLiteral("SELECT Id, TotalValue, VATValue, TotalVAT FROM D_SaleInvoiceHeader"));
     while (headers->step()) {
       qint64 value = 0;
       qint64 vat = 0;
@@ -152,7 +166,8 @@ class DemoCompanyTest : public QObject {
   void numberingGoesOnWhereItStopped()
   {
     const RecordSet series = database_->query(QStringLiteral(
-        "SELECT N_Series.LastNo, MAX(D_SaleInvoiceHeader.DocumentNo) AS \"Last:TEXT\", COUNT(*) AS \"Count:INTEGER\" FROM N_Series "
+        "SELECT N_Series.LastNo, MAX(D_SaleInvoiceHeader.DocumentNo) AS \"Last:TEXT\", COUNT(*) AS \"Count:INTEGER\" "
+        "FROM N_Series "
         "JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Series_Id = N_Series.Id GROUP BY N_Series.Id"));
     QCOMPARE(series.rows, 4);
     for (qsizetype i = 0; i < series.rows; ++i) {
@@ -183,13 +198,18 @@ class DemoCompanyTest : public QObject {
   {
     QFETCH(QString, order);
     QFETCH(QString, condition);
-    const QString list = database_->value(QStringLiteral("SELECT SqlText FROM S_QueryList WHERE Id = 12000")).toString();
+    const QString list =
+        database_->value(QStringLiteral("SELECT SqlText FROM S_QueryList WHERE Id = 12000")).toString();
     QString terms;
     for (const QString& term : order.split(QStringLiteral(", "))) {
       terms += (terms.isEmpty() ? QString() : QStringLiteral(", ")) + QStringLiteral("D_SaleInvoiceHeader.") + term;
     }
-    const RecordSet plan = database_->query(QStringLiteral("EXPLAIN QUERY PLAN %1 WHERE D_SaleInvoiceHeader.Comp_Id = '1'%2 "
-        "ORDER BY %3 LIMIT 32").arg(list, QString(condition).replace(QStringLiteral(" AND "), QStringLiteral(" AND D_SaleInvoiceHeader.")), terms));
+    const RecordSet plan = database_->query(
+        QStringLiteral("EXPLAIN QUERY PLAN %1 WHERE D_SaleInvoiceHeader.Comp_Id = '1'%2 "
+                       "ORDER BY %3 LIMIT 32")
+            .arg(list,
+                 QString(condition).replace(QStringLiteral(" AND "), QStringLiteral(" AND D_SaleInvoiceHeader.")),
+                 terms));
     QString text;
     for (qsizetype i = 0; i < plan.rows; ++i) {
       text += plan.value(i, plan.indexOf(u"detail")).toString() + u'\n';

@@ -1,6 +1,8 @@
 #include "demo_database.h"
+#include "server/catalogue/metadata.h"
 #include "server/metadata/metadata_check.h"
 #include "server/metadata/metadata_loader.h"
+#include "server/queries/order_terms.h"
 #include "several_tests.h"
 
 using namespace kalvor;
@@ -18,6 +20,30 @@ class MetadataTest : public QObject {
   }
 
   void theProgramsOwnFormsAreSound() { QCOMPARE(checkMetadata(*database_), QStringList()); }
+
+  // As the server reads them: every query usable, every field known by its name and its filter name.
+  void theServerUnderstandsThem()
+  {
+    const auto metadata = server::Metadata::read(*database_);
+    int fields = 0;
+    for (const DeclaredQuery& declared : embeddedMetadata().queries) {
+      const StoredQuery* query = metadata->query(declared.formId, declared.datasetIndex);
+      QVERIFY2(query, qPrintable(QString::number(declared.id)));
+      for (const DeclaredField& field : declared.fields) {
+        if (field.kind == u"6") {
+          continue;
+        }
+        QVERIFY2(query->resolve(field.name, {}), qPrintable(field.name));
+        QVERIFY2(field.source.isEmpty() || query->resolve(field.source, {}), qPrintable(field.source));
+        ++fields;
+      }
+      QVERIFY(declared.defaultOrder.isEmpty() || !orderTerms(declared.defaultOrder, QueryFields(*query, {})).isEmpty());
+      for (const QueryItem& item : query->items) {
+        QVERIFY2(item.field.type != DataType::Unknown || !item.declaredType.isEmpty(), qPrintable(item.field.name));
+      }
+    }
+    QVERIFY(fields > 400);
+  }
 
   void knownFormsAreThere_data()
   {
@@ -57,37 +83,49 @@ class MetadataTest : public QObject {
     row("order", "UPDATE S_QueryList SET DefaultOrder = 'N_Item.Nome DESC' WHERE Id = 15000", "no column N_Item.Nome");
     row("column without row", "DELETE FROM S_FieldList WHERE SQL_ID = 15000 AND FieldName = 'UnitPrice'",
         "column UnitPrice has no field row");
-    row("row without column", "UPDATE S_FieldList SET FieldName = 'Price' WHERE SQL_ID = 15000 AND FieldName = 'UnitPrice'",
+    row("row without column",
+        "UPDATE S_FieldList SET FieldName = 'Price' WHERE SQL_ID = 15000 AND FieldName = 'UnitPrice'",
         "field row Price has no column");
     row("filter name", "UPDATE S_FieldList SET FieldFilter = 'N_Item.Cod' WHERE SQL_ID = 15000 AND FieldName = 'Code'",
         "no column N_Item.Cod");
     row("unqualified key", "UPDATE S_FieldList SET FieldFilter = 'Id' WHERE SQL_ID = 15000 AND FieldName = 'Id'",
         "the key needs a qualified filter name");
     row("joined and updatable",
-        "UPDATE S_FieldList SET Updatable = '1' WHERE SQL_ID = 15000 AND FieldName = 'N_Measure_Code'", "updatable, but not of N_Item");
+        "UPDATE S_FieldList SET Updatable = '1' WHERE SQL_ID = 15000 AND FieldName = 'N_Measure_Code'",
+        "updatable, but not of N_Item");
     row("options", "UPDATE S_FieldList SET OptionCaption = NULL WHERE SQL_ID = 15000 AND FieldName = 'Type'",
         "an option field without options");
     row("macro", "UPDATE S_FieldList SET DefaultValue = '<#CURRENTDAY#>' WHERE SQL_ID = 15100 AND FieldName = 'Code'",
         "unknown macro <#CURRENTDAY#>");
     row("master macro",
-        "UPDATE S_FieldList SET DefaultValue = '<#MasterField(Nobody)#>' WHERE SQL_ID = 12101 AND FieldName = 'Currency_Id'",
+        "UPDATE S_FieldList SET DefaultValue = '<#MasterField(Nobody)#>' WHERE SQL_ID = 12101 AND FieldName = "
+        "'Currency_Id'",
         "unknown macro");
-    row("look-up form", "UPDATE S_FieldList SET SelectorDesc = ';999;Id;Id;' WHERE SQL_ID = 12100 AND FieldName = 'Currency_Id'",
+    row("look-up form",
+        "UPDATE S_FieldList SET SelectorDesc = ';999;Id;Id;' WHERE SQL_ID = 12100 AND FieldName = 'Currency_Id'",
         "no look-up form 999");
     row("source field",
-        "UPDATE S_FieldList SET SelectorDesc = ';162;Symbol;Currency_Id;' WHERE SQL_ID = 12100 AND FieldName = 'Currency_Id'",
+        "UPDATE S_FieldList SET SelectorDesc = ';162;Symbol;Currency_Id;' WHERE SQL_ID = 12100 AND FieldName = "
+        "'Currency_Id'",
         "form 162 has no field Symbol");
-    row("uneven", "UPDATE S_FieldList SET SelectorDesc = ';162;Id,Name;Currency_Id;' WHERE SQL_ID = 12100 AND FieldName = 'Currency_Id'",
+    row("uneven",
+        "UPDATE S_FieldList SET SelectorDesc = ';162;Id,Name;Currency_Id;' WHERE SQL_ID = 12100 AND FieldName = "
+        "'Currency_Id'",
         "2 source fields, 1 target fields");
-    row("blank", "UPDATE S_FieldList SET SelectorDesc = ';162;Id; Currency_Id;' WHERE SQL_ID = 12100 AND FieldName = 'Currency_Id'",
+    row("blank",
+        "UPDATE S_FieldList SET SelectorDesc = ';162;Id; Currency_Id;' WHERE SQL_ID = 12100 AND FieldName = "
+        "'Currency_Id'",
         "a blank ends a part");
     row("look-up filter",
-        "UPDATE S_FieldList SET SelectorDesc = ';162;Id;Currency_Id;N_Currency.Rate,=,1,' WHERE SQL_ID = 12100 AND FieldName = 'Currency_Id'",
+        "UPDATE S_FieldList SET SelectorDesc = ';162;Id;Currency_Id;N_Currency.Rate,=,1,' WHERE SQL_ID = 12100 AND "
+        "FieldName = 'Currency_Id'",
         "form 162 cannot be filtered by N_Currency.Rate");
-    row("aggregate", "UPDATE S_FieldList SET SelectorDesc = 'SUM(Sum)' WHERE SQL_ID = 12101 AND FieldName = 'Agg_TotalAmount'",
+    row("aggregate",
+        "UPDATE S_FieldList SET SelectorDesc = 'SUM(Sum)' WHERE SQL_ID = 12101 AND FieldName = 'Agg_TotalAmount'",
         "not an aggregate: SUM(Sum)");
     row("form without query", "DELETE FROM S_QueryList WHERE Id = 12101", "form 121, dataset 1: no stored query");
-    row("caption field", "UPDATE S_Forms SET CaptionFields = 'Nummer' WHERE ID = 121 AND Ds_Index = 0", "no caption field Nummer");
+    row("caption field", "UPDATE S_Forms SET CaptionFields = 'Nummer' WHERE ID = 121 AND Ds_Index = 0",
+        "no caption field Nummer");
     row("colour rule", "UPDATE S_Forms SET LineColors = REPLACE(LineColors, 'DocStatus', 'Status') WHERE ID = 120",
         "colour rule for no field Status");
   }

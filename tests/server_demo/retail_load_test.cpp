@@ -29,8 +29,10 @@ class RetailLoadTest : public QObject {
       migrate(*connection);
       createDemoCompany(*connection, kalvor::testing::smallDemo());
     }
-    constexpr std::pair<const char*, const char*> tables[] = {{"N_Contragent", "customers.csv"}, {"N_Item", "items.csv"},
-        {"D_SaleInvoiceHeader", "invoices.csv"}, {"D_SaleInvoiceLine", "lines.csv"}};
+    constexpr std::pair<const char*, const char*> tables[] = {{"N_Contragent", "customers.csv"},
+                                                              {"N_Item", "items.csv"},
+                                                              {"D_SaleInvoiceHeader", "invoices.csv"},
+                                                              {"D_SaleInvoiceLine", "lines.csv"}};
     for (const auto& [table, file] : tables) {
       QStringList arguments{QString::fromLatin1(table), folder.filePath(QString::fromLatin1(file)), "--db", database};
       if (qstrcmp(table, "D_SaleInvoiceHeader") == 0) {
@@ -40,15 +42,23 @@ class RetailLoadTest : public QObject {
     }
     const auto connection = openSqlite(database, true);
     const auto number = [&](const char* sql) { return connection->value(QString::fromLatin1(sql)).toLongLong(); };
-    QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE '536%' OR DocumentNo LIKE 'C536%'"), 66);
+    QCOMPARE(
+        number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE '536%' OR DocumentNo LIKE 'C536%'"),
+        66);
     QVERIFY(number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE 'C%'") > 0);
     QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE 'C%' AND TotalValue >= 0"), 0);
     QCOMPARE(number("SELECT TotalValue + 0 FROM D_SaleInvoiceHeader WHERE DocumentNo = '536365'"), 139'120'000);
     QCOMPARE(number("SELECT VATValue + 0 FROM D_SaleInvoiceHeader WHERE DocumentNo = '536365'"), 27'820'000);
-    QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceLine JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Id = Master_Id "
-                    "WHERE DocumentNo = '536365'"), 7);
-    QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceLine JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Id = Master_Id "
-                    "WHERE D_SaleInvoiceHeader.Currency_Id = 'GBP' AND C_User_Id = 'SUPERVSR' AND DocumentDate < '20110101'"), 999);
+    QCOMPARE(
+        number(
+            "SELECT COUNT(*) FROM D_SaleInvoiceLine JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Id = Master_Id "
+            "WHERE DocumentNo = '536365'"),
+        7);
+    QCOMPARE(
+        number(
+            "SELECT COUNT(*) FROM D_SaleInvoiceLine JOIN D_SaleInvoiceHeader ON D_SaleInvoiceHeader.Id = Master_Id "
+            "WHERE D_SaleInvoiceHeader.Currency_Id = 'GBP' AND C_User_Id = 'SUPERVSR' AND DocumentDate < '20110101'"),
+        999);
     QCOMPARE(runLoad({"D_SaleInvoiceLine", folder.filePath(QStringLiteral("items.csv")), "--db", database}), 1);
   }
 };

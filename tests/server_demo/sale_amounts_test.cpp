@@ -51,7 +51,9 @@ class SaleAmountsTest : public QObject {
   {
     QFETCH(SaleLineInput, line);
     const SaleLineAmounts amounts = saleLineAmounts(line, {});
-    const auto expected = [](const char* column) { return millionths(*static_cast<double*>(QTest::qData(column, qMetaTypeId<double>()))); };
+    const auto expected = [](const char* column) {
+      return millionths(*static_cast<double*>(QTest::qData(column, qMetaTypeId<double>())));
+    };
     QCOMPARE(amounts.totalPrice, expected("totalPrice"));
     QCOMPARE(amounts.totalValue, expected("totalValue"));
     QCOMPARE(amounts.vatValue, expected("vat"));
@@ -80,6 +82,5 @@ class SaleAmountsTest : public QObject {
   }
 };
 
-Q_DECLARE_METATYPE(kalvor::server::SaleLineInput)
 static kalvor::testing::RegisterTest<SaleAmountsTest> saleAmountsTest;
 #include "sale_amounts_test.moc"

@@ -5,7 +5,9 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -148,6 +150,57 @@ void savePicture(const QString& folder, const QString& name, ThemeMode mode, boo
   window.grab().save(QDir(folder).filePath(name));
 }
 
+// A refused value, fixed columns over scrolled ones, a message box and an open list, side by side.
+void saveSpecialCases(const QString& folder, ThemeMode mode, const QString& suffix)
+{
+  applyTheme(*qApp, mode);
+  TClientDataSet dataSet;
+  demo::openItems(dataSet, 40);
+  dataSet.FieldByName(u"Quantity")->OnValidate = [](TField*) { throw SilentAbort(); };
+  QWidget window;
+  auto* layout = new QVBoxLayout(&window);
+  auto* form = new QFormLayout;
+  layout->addLayout(form);
+  auto* refused = bound<TDBEdit>(dataSet, "Quantity", &window);
+  auto* refusedFlat = bound<TDBFlatEdit>(dataSet, "Quantity", &window);
+  auto* disabled = bound<TDBEdit>(dataSet, "Name", &window);
+  disabled->setEnabled(false);
+  auto* focused = bound<TDBFlatEdit>(dataSet, "Name", &window);
+  form->addRow(QStringLiteral("Отказана стойност"), refused);
+  form->addRow(QStringLiteral("Отказана (плоска)"), refusedFlat);
+  form->addRow(QStringLiteral("Забранен"), disabled);
+  form->addRow(QStringLiteral("На фокус"), focused);
+  TDBGridEx* grid = demoGrid(dataSet, &window);
+  grid->setFixedColumns(1);
+  layout->addWidget(grid, 1);
+  window.resize(560, 480);
+  window.show();
+  (void)QTest::qWaitForWindowActive(&window);
+  for (DataEdit* edit : {static_cast<DataEdit*>(refused), static_cast<DataEdit*>(refusedFlat)}) {
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_5);
+    edit->commit();
+  }
+  focused->setFocus(Qt::TabFocusReason);
+  grid->horizontalScrollBar()->setValue(180);
+  QTest::qWait(20);
+  window.grab().save(QDir(folder).filePath(QStringLiteral("special-%1.png").arg(suffix)));
+
+  QMessageBox box(QMessageBox::Question, QStringLiteral("Kalvor"),
+                  QStringLiteral("Записът е в режим на редакция. Желаете ли запис?"),
+                  QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, nullptr);
+  box.show();
+  QTest::qWait(20);
+  box.grab().save(QDir(folder).filePath(QStringLiteral("message-%1.png").arg(suffix)));
+  grid->setFocus();
+  grid->selectField(QStringLiteral("Kind"));
+  grid->editCell();
+  QTest::qWait(50);
+  if (QWidget* popup = QApplication::activePopupWidget()) {
+    popup->grab().save(QDir(folder).filePath(QStringLiteral("list-%1.png").arg(suffix)));
+  }
+}
+
 }  // namespace
 }  // namespace kalvor
 
@@ -159,5 +212,7 @@ int main(int argc, char** argv)
   kalvor::savePicture(folder, QStringLiteral("light.png"), kalvor::ThemeMode::Light, false);
   kalvor::savePicture(folder, QStringLiteral("dark.png"), kalvor::ThemeMode::Dark, false);
   kalvor::savePicture(folder, QStringLiteral("editing.png"), kalvor::ThemeMode::Light, true);
+  kalvor::saveSpecialCases(folder, kalvor::ThemeMode::Light, QStringLiteral("light"));
+  kalvor::saveSpecialCases(folder, kalvor::ThemeMode::Dark, QStringLiteral("dark"));
   return 0;
 }

@@ -269,7 +269,7 @@ class TestGrid : public QObject {
     GridForm form;
     QStringList typed;
     connect(form.grid, &TDBGrid::characterTyped, this, [&](const QString& text) { typed.append(text); });
-    typeText(form.grid, QStringLiteral("ж7"));
+    typeText(form.grid, QStringLiteral("ж7 #ѝ"));
     QCOMPARE(typed, (QStringList{QStringLiteral("ж"), QStringLiteral("7")}));
     form.data.Edit();
     typeText(form.grid, QStringLiteral("ж"));
@@ -301,6 +301,9 @@ class TestGrid : public QObject {
     QCOMPARE(form.grid->markedRecords().size(), 5);
     form.click(0, "Code");
     QVERIFY(!form.grid->hasMarks());
+    QTest::mouseClick(form.grid->verticalHeader()->viewport(), Qt::LeftButton, {},
+                      QPoint(8, form.grid->visualRect(form.grid->datasetModel()->index(6, 1)).center().y()));
+    QCOMPARE(form.data.RecNo(), 7);
     form.key(Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(form.grid->markedRecords().size(), 99);
     form.grid->setMarked(0, false);

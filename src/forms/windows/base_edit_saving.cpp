@@ -69,7 +69,7 @@ QList<SaveDataSet> TfBaseEdit::saveDataSets() const
   for (int index = 0; index < dataSetCount(); ++index) {
     const TCDSOptions& entry = cdsOptions(index);
     if (entry.DataSet->Active()) {
-      dataSets.append({entry.DataSet, entry.ProviderName, {}});
+      dataSets.append({entry.DataSet, entry.ProviderName, seriesFields(entry.DataSet)});
     }
   }
   return dataSets;

@@ -14,7 +14,8 @@ FormRefusal::FormRefusal(const QString& message) : DataError(message) {}
 FormRefusal::~FormRefusal() = default;
 
 TfBase::Private::Private(TfBase* form)
-    : actions(form, [form](const QString& context, const std::function<void()>& body) { form->runGuarded(context, body); })
+    : actions(form, [form](const QString& context, const std::function<void()>& body) { form->runGuarded(context, body); }),
+      selectors(form)
 {
 }
 
@@ -26,6 +27,7 @@ TfBase::TfBase(QWidget* parent) : QWidget(parent)
   d->gridMenu = new QMenu(this);
   setFocusPolicy(Qt::NoFocus);
   bindActions();
+  bindSelectors();
 }
 
 TfBase::~TfBase()

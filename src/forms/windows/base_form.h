@@ -19,6 +19,7 @@ namespace kalvor {
 struct TCDSOptions;
 struct TFormRights;
 class TDBGrid;
+class SelectorControl;
 
 // What acCopyNew copies of one dataset. An empty field list means the fields that the metadata lets be copied.
 struct TCopyInfo {
@@ -93,6 +94,15 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   QString GetFieldDefaultValue(int dsIndex, int fieldIndex) const override;
   Variant ParseDefaultValue(const QString& text, TField* field) override;
   void FieldOnChange(TField* field);
+  TSelectorDependantFieldsArray GetSelectorDependantFields() const override;
+  void SetDependantSelectorField(TField* field, TSelector* selector) override;
+  // The field's selector, made from its description when there is none yet; null when the field has no description.
+  TSelector* selectorOf(TField* field);
+  void SetFieldOnChange(TField* field);       // its changes run its selector
+  void SetSerieFieldOnChange(TField* field);  // it is numbered by the record's series
+  QStringList seriesFields(const TClientDataSet* dataSet) const;
+  // Runs a selector for a control and brings the focus back to the widget that asked for it.
+  int runSelector(TSelector& selector, SelectorControl* control, QWidget* asking, const QString& filterText = {});
   void FieldOnValidate(TField* field);
   void SetActiveSelector(ISelectorOwnerIntf* target) override;
   void SetSelectorForm(QObject* form) override;
@@ -252,6 +262,10 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void refreshCaption();
   void refuseStateChange(DataSetState state);
   void focusField(TField* field);
+  void bindSelectors();
+  void makeFieldSelectors(TClientDataSet* dataSet);
+  void backToField(TClientDataSet* dataSet, const QString& fieldName);
+  void backFromLookup();
   void acFieldFilterExecute();
   void acRemoveFilterExecute();
   void acCopyNewExecute();

@@ -130,6 +130,10 @@ void TfBase::CDS_AfterOpen(TClientDataSet* dataSet)
       dataSet->UpdateLayout();
     }
     callDisplaced(entry.AfterOpen, dataSet);
+    d->selectors.dataSetOpened(dataSet);
+    if (d->stage == Private::Stage::Shown) {
+      makeFieldSelectors(dataSet);
+    }
     AttachDynamicAggregateEvents(dataSet);
   };
   raisingLogged(QStringLiteral("TfBase.CDS_AfterOpen"), open);
@@ -159,11 +163,13 @@ void TfBase::CDS_AfterClose(TClientDataSet* dataSet)
 
 void TfBase::CDS_BeforeClose(TClientDataSet* dataSet)
 {
+  d->selectors.dataSetClosing(dataSet);
   callDisplaced(GetCdsOpts(dataSet)->BeforeClose, dataSet);
 }
 
 void TfBase::CDS_AfterScroll(TClientDataSet* dataSet)
 {
+  d->selectors.dataSetScrolled(dataSet);
   callDisplaced(GetCdsOpts(dataSet)->AfterScroll, dataSet);
   if (dataSet == GetCdsMaster()) {
     refreshCaption();

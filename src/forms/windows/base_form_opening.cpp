@@ -113,11 +113,13 @@ int TfBase::SetFormProperties()
     windowOf(this)->show();
     return 0;
   }
-  if (inSelectionMode() || options.testFlag(so_ShowModal)) {
+  // Beside a modal form nothing but another one can be used.
+  const bool modal = options.testFlag(so_ShowModal) || (QApplication::activeModalWidget() && !options.testFlag(so_DoNotShow));
+  if (inSelectionMode() || modal) {
     if (ISelectorOwnerIntf* owner = selectorOwner(d->owner)) {
       owner->SetSelectorForm(this);
     }
-    if (options.testFlag(so_ShowModal)) {
+    if (modal) {
       return showModally();
     }
   }
@@ -142,8 +144,23 @@ int TfBase::showModally()
   d->modal = true;
   ModalFormDialog dialog(this, QApplication::activeWindow());
   dialog.exec();
+  deleteLater();
   return d->modalResult;
 }
+
+namespace {
+
+// A child window that would stick out of the area is made smaller, and moved in where that is not enough.
+void fitIntoArea(QMdiSubWindow* sub)
+{
+  const QSize space = sub->mdiArea()->viewport()->size();
+  const QSize room(space.width() - sub->x(), space.height() - sub->y());
+  sub->resize(sub->size().boundedTo(room).expandedTo(sub->minimumSizeHint()).boundedTo(space));
+  sub->move(qMax(0, qMin(sub->x(), space.width() - sub->width())),
+            qMax(0, qMin(sub->y(), space.height() - sub->height())));
+}
+
+}  // namespace
 
 void TfBase::showAsChild()
 {
@@ -162,6 +179,8 @@ void TfBase::showAsChild()
   if (!d->tableFilterShown && !d->options.testFlag(so_DoNotShow)) {
     show();
     window->show();
+    if (sub && !sub->isMaximized())
+      fitIntoArea(sub);
     focusFirstControl();
   }
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "forms/form_rights.h"
+#include "registry/selector_fields.h"
 #include "forms/windows/base_form.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/form_actions.h"
@@ -37,9 +38,12 @@ struct TfBase::Private {
   ISelectorOwnerIntf* activeSelector = nullptr;
   std::vector<QPointer<QWidget>> openedForms; // forms this one opened and closes with itself
   QPointer<QObject> selectorForm;
+  QPointer<QWidget> lookupAsker;              // gets the focus back from a lookup that stays open beside this form
   int modalResult = 0;
   bool modal = false;
   FormActions actions;
+  SelectorFields selectors;
+  QHash<const TClientDataSet*, QStringList> seriesFields;
   QMenu* gridMenu = nullptr;
   QString caption, captionFields;             // of the form's description
   bool openEmpty = false;                     // the default filter waits for the user's part of it

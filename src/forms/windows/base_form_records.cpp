@@ -25,18 +25,6 @@ class DefaultsScope {
   int& marker_;
 };
 
-// The chosen values of one target, several records joined with "|".
-QString joinedValues(const TSelectionList& selection, qsizetype position)
-{
-  QStringList texts;
-  for (const TRecordLine& line : selection) {
-    if (position < line.size()) {
-      texts.append(variantText(line[position].Value));
-    }
-  }
-  return texts.join(u'|');
-}
-
 }  // namespace
 
 // --- Guards ----------------------------------------------------------------------------------------------------
@@ -146,7 +134,11 @@ QString TfBase::GetFieldDefaultValue(int dsIndex, int fieldIndex) const
 
 Variant TfBase::ParseDefaultValue(const QString& text, TField* field)
 {
-  return kalvor::ParseDefaultValue(text, field, {&LocalData, GetCdsMaster(), {}});
+  return kalvor::ParseDefaultValue(text, field, {&LocalData, GetCdsMaster(), [this](TField* called) {
+                                                 if (selectorOf(called)) {
+                                                   d->selectors.runForDefault(called);
+                                                 }
+                                               }});
 }
 
 void TfBase::CDS_ParseDefaultValues(TClientDataSet* dataSet)
@@ -164,16 +156,12 @@ void TfBase::CDS_ParseDefaultValues(TClientDataSet* dataSet)
   }
 }
 
-void TfBase::FieldOnChange(TField*)
-{
-  // The selectors' place: a lookup field takes what is typed until one is bound to it.
-}
-
 void TfBase::FieldOnValidate(TField* field)
 {
   if (isLockedField(field)) {
     throw FormRefusal(lockedFieldMessage(field));
   }
+  d->selectors.fieldChanging(field);
 }
 
 // --- Cancelling and refreshing ---------------------------------------------------------------------------------
@@ -202,59 +190,7 @@ void TfBase::acRefreshExecute()
   acGetDetailsExecute();
 }
 
-// --- Values from outside ---------------------------------------------------------------------------------------
-
-void TfBase::SetCdsValues(const TDefaultValues& values)
-{
-  TClientDataSet* master = GetCdsMaster();
-  master->Append();
-  for (const TDefaultValue& value : values) {
-    if (value.DsIndex < 0 || value.DsIndex >= dataSetCount()) {
-      continue;
-    }
-    TClientDataSet* dataSet = cdsOptions(value.DsIndex).DataSet;
-    if (value.DsIndex != 0) {
-      dataSet->Append();
-    }
-    if (TField* field = dataSet->FindField(value.FieldName)) {
-      field->SetValue(value.Value);
-    }
-  }
-}
-
-bool TfBase::ProcessSelectedRecords(const TSelectionList& selection, ShowOption options)
-{
-  if (d->activeSelector) {
-    return d->activeSelector->ProcessSelectedRecords(selection, options);
-  }
-  if (selection.isEmpty()) {
-    return false;
-  }
-  return runGuarded(QStringLiteral("TfBase.ProcessSelectedRecords"), [&] {
-    commitFocusedControl(this);
-    const TRecordLine& first = selection.first();
-    for (qsizetype i = 0; i < first.size(); ++i) {
-      TField* field = first[i].Field;
-      if (!field || !GetCdsOptsByFld(field)) {
-        continue;
-      }
-      if (!field->DataSet()->IsEditing()) {
-        field->DataSet()->Edit();
-      }
-      selection.size() == 1 ? field->SetValue(first[i].Value) : field->SetAsString(joinedValues(selection, i));
-    }
-  });
-}
-
-void TfBase::ProcessMarkedRecords(const TSelectionList& selection, ShowOption options)
-{
-  ProcessSelectedRecords(selection, options);
-}
-
-void TfBase::SetSelectorForm(QObject* form)
-{
-  d->selectorForm = form;
-}
+// --- Forms opened from this one --------------------------------------------------------------------------------
 
 void TfBase::SelectorFormSaved(QObject*, const QString&) {}
 

@@ -36,6 +36,9 @@ void TfBase::FormShow()
     main->SetHasFilter(d->hasFilter);
   }
   ControlWiring(this).run();
+  for (const auto& entry : d->dataSets) {
+    makeFieldSelectors(entry->DataSet);
+  }
   auto* enter = new EnterMovesOn(this);
   enter->askFirst = [this](QKeyEvent* event) { return handleEnter(event); };
   SetEditControlsReadOnly();

@@ -9,6 +9,8 @@
 #include "forms/windows/form_focus.h"
 #include "forms/windows/grid_keys.h"
 #include "registry/windows/date_selector.h"
+#include "registry/windows/selector_button.h"
+#include "registry/windows/selector_edit.h"
 #include "session/dm.h"
 #include "widgets/db_check_box.h"
 #include "widgets/db_combo_box.h"
@@ -42,16 +44,67 @@ void addDateButton(TfBase* form, DataEdit* edit, TField* field)
   if (edit->findChild<EditButtonPlacement*>()) {
     return;
   }
-  auto* button = new EditButton(edit);
+  auto* button = new TDateSelectorButton(edit);
   button->setObjectName(QStringLiteral("btn_") + field->FieldName());
-  button->setIcon(icon(QStringLiteral("view-calendar")));
   button->setEnabled(!hasFlag(field, ffReadOnly) && form->CheckDataModification(true, false, false));
-  button->setAccessibleName(QStringLiteral("Календар"));
-  QObject::connect(button, &QAbstractButton::clicked, edit, [edit] {
-    if (TField* current = edit->field()) {
-      showDateSelector(edit, current);
-    }
-  });
+}
+
+bool hasControlSelector(const TField* field)
+{
+  return hasFlag(field, ffLookup) || hasFlag(field, ffControlLookup) || hasFlag(field, ffSeries);
+}
+
+// Runs a selector for the widget that asks for it.
+EditSelectorControl::Runner selectorRunner(TfBase* form, QWidget* asking)
+{
+  return [form, asking](TSelector& selector, SelectorControl* control) {
+    return form->runSelector(selector, control, asking);
+  };
+}
+
+void bindLookupField(TfBase* form, TField* field)
+{
+  if (!hasFlag(field, ffSeries)) {
+    form->SetFieldOnChange(field);
+  }
+}
+
+void addSelectorButton(TfBase* form, DataEdit* edit, TField* field)
+{
+  TSelector* selector = form->selectorOf(field);
+  if (!selector || edit->findChild<EditButtonPlacement*>()) {
+    return;
+  }
+  auto* button = new TSelectorButton(edit, selector, selectorRunner(form, edit));
+  button->placement()->setButtonVisible(field->Visible);
+  hasFlag(field, ffSeries) ? form->SetSerieFieldOnChange(field) : bindLookupField(form, field);
+}
+
+CellEditor selectorCell(TfBase* form, TDBGrid* grid, TField* field)
+{
+  CellEditor editor;
+  TSelector* selector = form->selectorOf(field);
+  if (!selector) {
+    return editor;
+  }
+  bindLookupField(form, field);
+  editor.kind = CellEditorKind::Selector;
+  editor.name = QStringLiteral("btn_") + CreateUniqueID();
+  editor.create = [selector, runner = selectorRunner(form, grid)](QWidget* parent) -> QWidget* {
+    return new TSelectorEdit(parent, selector, runner);
+  };
+  return editor;
+}
+
+// The button of a cell that is not being edited, or Alt+Down in it.
+void runCellButton(TfBase* form, TDBGrid* grid, TField* field)
+{
+  if (isPopUpDate(field)) {
+    showDateSelector(grid->cellEditor() ? grid->cellEditor() : grid, field);
+  } else if (TSelector* selector = form->selectorOf(field)) {
+    CellSelectorControl cell(grid, field);
+    attempt(grid, [&] { form->runSelector(*selector, &cell, grid); });
+  }
 }
 
 // A label that runs into its control loses characters at its end; the hint keeps the whole caption.
@@ -107,6 +160,8 @@ void ControlWiring::wireControl(QWidget* widget, DataControl& control)
     box->setValueUnchecked(QStringLiteral("0"));
   } else if (isPopUpDate(field) && (qobject_cast<TDBFlatEdit*>(widget) || qobject_cast<TDBDateEdit*>(widget))) {
     addDateButton(form_, static_cast<DataEdit*>(widget), field);
+  } else if (auto* edit = qobject_cast<DataEdit*>(widget); edit && hasControlSelector(field)) {
+    addSelectorButton(form_, edit, field);
   }
 }
 
@@ -130,11 +185,8 @@ void ControlWiring::wireGrid(TDBGrid* grid)
   QObject::connect(grid, &TDBGrid::columnEntered, form, [form, grid](TField* field) { form->DBG_ColEnter(grid, field); });
   QObject::connect(grid, &TDBGrid::characterTyped, form, [form](const QString& text) { form->FindDialogExecute(text); });
   QObject::connect(grid, &QAbstractItemView::doubleClicked, form, [form, grid] { form->gridDoubleClicked(grid); });
-  QObject::connect(grid, &TDBGrid::selectorRequested, form, [grid](TField* field) {
-    if (isPopUpDate(field)) {
-      showDateSelector(grid->cellEditor() ? grid->cellEditor() : grid, field);
-    }
-  });
+  QObject::connect(grid, &TDBGrid::selectorRequested, form,
+                   [form, grid](TField* field) { runCellButton(form, grid, field); });
   grid->keyHandler = [form, grid](QKeyEvent* event) {
     bool used = false;
     form->runGuarded(QStringLiteral("TfBase.DBGridKeyDown"), [&] {
@@ -161,6 +213,8 @@ void ControlWiring::wireGridColumns(TDBGrid* grid)
       editor.kind = CellEditorKind::CheckBox;
     } else if (isPopUpDate(field)) {
       editor.kind = CellEditorKind::Date;
+    } else if (hasControlSelector(field)) {
+      editor = selectorCell(form_, grid, field);
     } else {
       continue;
     }
