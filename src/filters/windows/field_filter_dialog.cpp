@@ -8,7 +8,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <algorithm>
 
+#include "data/client_dataset.h"
 #include "filters/filter_expression.h"
 #include "forms/field_metadata.h"
 #include "forms/form_settings.h"
