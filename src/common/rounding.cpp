@@ -1,4 +1,4 @@
-#include "business/rounding.h"
+#include "common/rounding.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -8,6 +8,11 @@ namespace kalvor {
 namespace {
 
 constexpr long double largestScaled = 9223372036854775806.0L;  // 2^63 - 2
+
+// What a product of a few doubles may lack of the decimal value that it stands for: 15 x 75.139 is 1127.085, and the
+// double 75.139 is a little less. Numbers from the second figure on are whole.
+constexpr long double doubleError = 0x1p-50L;
+constexpr long double wholeFrom = 0x1p52L;
 
 }  // namespace
 
@@ -24,6 +29,8 @@ long double RoundUp(int digits, long double value)
   }
   if (!std::isfinite(scaled) || std::fabs(scaled * 10) > largestScaled)
     return value;
+  if (std::fabs(scaled) < wholeFrom)
+    scaled += scaled * doubleError;
   long double whole = std::trunc(scaled);
   const long long dropped = std::llabs(static_cast<long long>(std::trunc(scaled * 10)) % 10);
   if (dropped >= 5)
