@@ -20,8 +20,8 @@ struct SaleRecords {
 
   TField* lineField(const char16_t* name) const { return line->FieldByName(QStringView(name)); }
   TField* headerField(const char16_t* name) const { return header->FieldByName(QStringView(name)); }
-  Real lineValue(const char16_t* name) const { return lineField(name)->AsFloat(); }
-  Real headerValue(const char16_t* name) const { return headerField(name)->AsFloat(); }
+  Real lineValue(const char16_t* name) const { return decimalOf(lineField(name)->AsFloat()); }
+  Real headerValue(const char16_t* name) const { return decimalOf(headerField(name)->AsFloat()); }
   void set(const char16_t* name, Real value) const { lineField(name)->SetAsFloat(static_cast<double>(value)); }
   // The line's field takes the header's value of the same name.
   void takeFromHeader(const char16_t* name) const { lineField(name)->SetValue(headerField(name)->Value()); }

@@ -40,4 +40,11 @@ long double RoundUp(int digits, long double value)
   return whole;
 }
 
+long double decimalOf(double value)
+{
+  constexpr long double millionths = 1e6L;
+  const long double decimal = std::round(value * millionths) / millionths;
+  return static_cast<double>(decimal) == value ? decimal : static_cast<long double>(value);
+}
+
 }  // namespace kalvor

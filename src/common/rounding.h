@@ -11,4 +11,8 @@ namespace kalvor {
 // agree with decimal arithmetic on what the user typed.
 KALVOR_RULES long double RoundUp(int digits, long double value);
 
+// The decimal of up to six places that the double stands for, in extended precision: differences of such numbers keep
+// their halves. A double that stands for none is given as it is.
+KALVOR_RULES long double decimalOf(double value);
+
 }  // namespace kalvor

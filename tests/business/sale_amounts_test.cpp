@@ -1,5 +1,5 @@
 // Rounding, line amounts and document VAT.
-#include <QTest>
+#include "several_tests.h"
 
 #include "business/sale_line_amounts.h"
 #include "business/sale_line_changes.h"
@@ -146,5 +146,5 @@ class SaleAmountsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(SaleAmountsTest)
+static kalvor::testing::RegisterTest<SaleAmountsTest> registered;
 #include "sale_amounts_test.moc"
