@@ -161,6 +161,19 @@ TSelector::SearchResult TSelector::Search(TField* sender, const QString& text)
   return searchFor(sender, text, !text.isEmpty(), text.isEmpty());
 }
 
+TSelector::SearchResult TSelector::FillExactly(TField* sender, const QString& text)
+{
+  SearchedControl searched(Control, sender, text);
+  const QScopedValueRollback<SelectorControl*> current(Control, &searched);
+  if (!startRun())
+    return SearchResult::NotRun;
+  const int index = GetIndex();
+  if (index < 0)
+    return SearchResult::NotRun;
+  const TSelectorItem item = Items[index];
+  return fillItem(item, true) ? SearchResult::Filled : SearchResult::NotChosen;
+}
+
 TSelector::SearchResult TSelector::FillOrChoose(TField* sender)
 {
   return searchFor(sender, QString(), false, false);

@@ -50,6 +50,8 @@ class KALVOR_RULES TSelector {
   // What a text typed into the bound field means: the one record that equals it or else the only one that meets the
   // filter is taken silently, otherwise the user chooses among those that meet it. An empty text lets the user choose.
   SearchResult Search(TField* sender, const QString& text);
+  // The one record that equals the text is taken, nothing is opened. NotChosen: there is none, or there are several.
+  SearchResult FillExactly(TField* sender, const QString& text);
   // For a field whose default it is: the only record that meets the filters is taken, otherwise the user chooses.
   SearchResult FillOrChoose(TField* sender);
 

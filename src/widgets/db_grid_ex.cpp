@@ -34,6 +34,12 @@ void TDBGridEx::setFooterText(const QString& fieldName, const QString& text)
   growColumn(fieldName, footer_->textWidth(text));
 }
 
+void TDBGridEx::setFooterStatus(const QString& text)
+{
+  footer_->setStatus(text);
+  updateGeometries();
+}
+
 void TDBGridEx::setFixedColumns(int count)
 {
   fixedColumns_ = qMax(0, count);
@@ -101,6 +107,10 @@ void TDBGridEx::updateGeometries()
   const QScopedValueRollback<bool> guard(placing_, true);
   TDBGrid::updateGeometries();
   if (!footerVisible()) {
+    if (QMargins margins = viewportMargins(); margins.bottom() > 0) {
+      margins.setBottom(0);
+      setViewportMargins(margins);
+    }
     return;
   }
   const int height = footer_->sizeHint().height();

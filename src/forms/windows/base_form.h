@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "forms/grid_order.h"
 #include "registry/form_interfaces.h"
 
 class QMenu;
@@ -274,7 +275,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void acRemoveFilterExecute();
   void acCopyNewExecute();
   void acExportExecute();
-  void titleClicked(TDBGrid* grid, TField* field);
+  void titleClicked(TDBGrid* grid, TField* field, TitleClick click);
+  void pasteRows(TDBGrid* grid);
 };
 
 }  // namespace kalvor
