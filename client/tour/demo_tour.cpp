@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QTreeWidget>
 #include <cstdlib>
@@ -81,17 +82,20 @@ void openForm(TourDriver& driver, const QString& caption, const char* className)
   driver.step(QStringLiteral("opened ") + caption, formIs(className), [] {});
 }
 
+void gotoColumnNow(TourDriver& driver, const QString& field)
+{
+  auto* grid = qobject_cast<TDBGrid*>(TourDriver::focus());
+  driver.key(Qt::Key_Home);
+  for (int i = 0; grid && i < 60 && grid->selectedField() && grid->selectedField()->FieldName() != field; ++i)
+    driver.key(Qt::Key_Right);
+}
+
 // Moves the grid's current cell to a column, key by key.
 void gotoColumn(TourDriver& driver, const QString& field)
 {
   driver.step(QStringLiteral("column ") + field,
               [] { return qobject_cast<TDBGrid*>(TourDriver::focus()) != nullptr; },
-              [&driver, field] {
-                auto* grid = qobject_cast<TDBGrid*>(TourDriver::focus());
-                driver.key(Qt::Key_Home);
-                for (int i = 0; i < 60 && grid->selectedField() && grid->selectedField()->FieldName() != field; ++i)
-                  driver.key(Qt::Key_Right);
-              });
+              [&driver, field] { gotoColumnNow(driver, field); });
 }
 
 void filterCurrentColumn(TourDriver& driver, const QString& criterion, const char* picture)
@@ -101,6 +105,35 @@ void filterCurrentColumn(TourDriver& driver, const QString& criterion, const cha
               [&driver, criterion] { driver.type(criterion); });
   driver.picture(picture);
   driver.step("apply", dialogIs("TfFilterFields"), [&driver] { driver.key(Qt::Key_Return); });
+}
+
+// A part of an item's name typed into a new line drops down what matches; rows of a spreadsheet are shown before they
+// are taken.
+void typeAheadAndPaste(TourDriver& driver)
+{
+  driver.step("to the lines", formIs("TfEdSaleInvoice"), [&driver] { driver.key(Qt::Key_F4); });
+  driver.step("new line", {}, [&driver] { driver.key(Qt::Key_N, Qt::ControlModifier); });
+  gotoColumn(driver, "Code");
+  driver.step("typing", {}, [&driver] { driver.type(QStringLiteral("па")); });
+  driver.step("matches", [] { return TourDriver::visibleWidget("lookupMatches") != nullptr; },
+              [&driver] { driver.key(Qt::Key_Down); });
+  driver.picture("lookup-matches");
+  driver.step("take it", {}, [&driver] { driver.key(Qt::Key_Return); });
+  driver.picture("lookup-taken");
+  driver.step("copied rows", {}, [&driver] {
+    QApplication::clipboard()->setText(QStringLiteral("Описание\tКоличество\tЕд. цена\nМонтаж\t2\t35,50\n"
+                                                      "Транспорт до обект\tдва\t40,00\nПрофилактика\t1\t60\n"));
+    driver.key(Qt::Key_V, Qt::ControlModifier);
+  });
+  driver.step("preview", dialogIs("TfPastePreview"), [] {});
+  driver.picture("paste-preview");
+  driver.step("paste", dialogIs("TfPastePreview"), [&driver] { driver.key(Qt::Key_Return); });
+  driver.step("all lines", formIs("TfEdSaleInvoice"), [&driver] {
+    gotoColumnNow(driver, QStringLiteral("TotalVAT"));
+    driver.key(Qt::Key_A, Qt::ControlModifier);
+  });
+  driver.picture("footer-sums");
+  driver.step("give it up", formIs("TfEdSaleInvoice"), [] { activeForm()->CancelChanges(); });
 }
 
 void changeQuantityAndSave(TourDriver& driver, const QString& quantity, const char* pictures)
@@ -144,6 +177,7 @@ void addDemoTour(TourDriver& driver)
   driver.step("invoice", formIs("TfEdSaleInvoice"), [] {});
   driver.picture("invoice");
   changeQuantityAndSave(driver, "7", "invoice");
+  typeAheadAndPaste(driver);
   driver.step("close the card", formIs("TfEdSaleInvoice"), [&driver] { driver.key(Qt::Key_W, Qt::ControlModifier); });
   openForm(driver, QStringLiteral("Контрагенти"), "TfBrContragent");
   driver.picture("contractors");
