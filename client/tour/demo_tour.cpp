@@ -111,8 +111,13 @@ void filterCurrentColumn(TourDriver& driver, const QString& criterion, const cha
 // are taken.
 void typeAheadAndPaste(TourDriver& driver)
 {
-  driver.step("to the lines", formIs("TfEdSaleInvoice"), [&driver] { driver.key(Qt::Key_F4); });
-  driver.step("new line", {}, [&driver] { driver.key(Qt::Key_N, Qt::ControlModifier); });
+  driver.step("edit", formIs("TfEdSaleInvoice"), [&driver] {
+    driver.key(Qt::Key_F2);
+    if (!qobject_cast<TDBGrid*>(TourDriver::focus()))
+      driver.key(Qt::Key_F4);
+  });
+  driver.step("new line", [] { return qobject_cast<TDBGrid*>(TourDriver::focus()) != nullptr; },
+              [&driver] { driver.key(Qt::Key_N, Qt::ControlModifier); });
   gotoColumn(driver, "Code");
   driver.step("typing", {}, [&driver] { driver.type(QStringLiteral("па")); });
   driver.step("matches", [] { return TourDriver::visibleWidget("lookupMatches") != nullptr; },
