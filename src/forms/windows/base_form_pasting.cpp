@@ -101,6 +101,7 @@ void TfBase::pasteRows(TDBGrid* grid)
         paste.keep();
       }
     }
+    grid->setFocus(Qt::OtherFocusReason);
     if (!kept && !wasEditing && CheckState() && !hasChanges()) {
       master->Cancel();
     }
