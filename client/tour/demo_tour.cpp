@@ -133,7 +133,7 @@ void typeAheadAndPaste(TourDriver& driver)
   driver.step("preview", dialogIs("TfPastePreview"), [] {});
   driver.picture("paste-preview");
   driver.step("paste", dialogIs("TfPastePreview"), [&driver] { driver.key(Qt::Key_Return); });
-  driver.step("all lines", formIs("TfEdSaleInvoice"), [&driver] {
+  driver.step("all lines", [] { return !TourDriver::dialog() && qobject_cast<TDBGrid*>(TourDriver::focus()); }, [&driver] {
     gotoColumnNow(driver, QStringLiteral("TotalVAT"));
     driver.key(Qt::Key_A, Qt::ControlModifier);
   });
