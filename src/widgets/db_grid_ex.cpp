@@ -36,8 +36,14 @@ void TDBGridEx::setFooterText(const QString& fieldName, const QString& text)
 
 void TDBGridEx::setFooterStatus(const QString& text)
 {
+  if (text == footer_->status()) {
+    return;
+  }
   footer_->setStatus(text);
   updateGeometries();
+  if (currentIndex().isValid()) {
+    scrollTo(currentIndex());  // the line may have come over it
+  }
 }
 
 void TDBGridEx::setFixedColumns(int count)

@@ -41,7 +41,8 @@ void GridTotals::refresh()
         field->FieldKind() == FieldValueKind::Aggregate ? aggregatedField(field->Expression) : QString();
     if (!column.isEmpty() && grid_->columnVisible(column)) {
       anyTotal_ = true;
-      grid_->setFooterText(column, field->AggregateText());
+      // As the column itself is written: the aggregate has no format, and a sum of amounts is never quite round.
+      grid_->setFooterText(column, dataSet->FieldByName(column)->FormatValue(field->Value()));
     }
   }
   showFooter();
