@@ -1,6 +1,6 @@
 #include "business/sale_line_amounts.h"
 
-#include "business/rounding.h"
+#include "common/rounding.h"
 #include "session/error_log.h"
 #include "session/local_data.h"
 

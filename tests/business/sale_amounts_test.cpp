@@ -1,7 +1,7 @@
 // Rounding, line amounts and document VAT.
 #include <QTest>
 
-#include "business/rounding.h"
+#include "common/rounding.h"
 #include "business/sale_line_amounts.h"
 #include "business/vat_totals.h"
 #include "session/local_data.h"
