@@ -10,9 +10,9 @@ constexpr long double largestInteger = 9223372036854775807.0L;
 constexpr long double largestScaledAmount = 9223372036854775806.0L;  // 2^63 - 2
 
 // What a product of a few doubles may lack of the decimal value that it stands for: 15 x 75.139 is 1127.085, and the
-// double 75.139 is a little less. Numbers from the second figure on are whole.
+// double 75.139 is a little less. From the second figure on it would be no small part of a unit any more.
 constexpr long double doubleError = 0x1p-50L;
-constexpr long double wholeFrom = 0x1p52L;
+constexpr long double mendedBelow = 0x1p40L;
 
 int firstDecimal(long double x)
 {
@@ -35,7 +35,7 @@ long double rounded(int digits, long double value, long double largestScaled)
   }
   if (!(std::fabs(scaled * 10) <= largestScaled))
     return value;
-  if (std::fabs(scaled) < wholeFrom)
+  if (std::fabs(scaled) < mendedBelow)
     scaled += scaled * doubleError;
   long double whole = static_cast<long double>(CustomRound(scaled));
   for (int i = 0; i < digits; ++i)

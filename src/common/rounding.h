@@ -13,8 +13,9 @@ namespace kalvor {
 KALVOR_RULES qint64 CustomRound(long double X);
 
 // X rounded to so many decimals. A negative number of decimals, and an X too large to be scaled by them and one more in
-// 64-bit integers, give X unchanged. A value that misses a half by no more than the doubles it was computed from can
-// miss (2^-50 of it) counts as that half, so that amounts agree with decimal arithmetic on what the user typed.
+// 64-bit integers, give X unchanged. A scaled value below 2^40 that misses a half by no more than the doubles it was
+// computed from can miss (2^-50 of it) counts as that half, so that amounts agree with decimal arithmetic on what the
+// user typed.
 KALVOR_RULES long double RoundUp(long double X, int Digits);
 // The same with the decimals first, as the formulas of documents write it; it gives up one step earlier, past 2^63 - 2.
 KALVOR_RULES long double roundedTo(int digits, long double value);
