@@ -69,7 +69,8 @@ bool transferTo(const QString& source, const QString& target, ShellOperation ope
   const QString destination = targetPath(source, target, operation);
   if (isSameOrInside(destination, source) || isSameOrInside(source, destination))
     throw DataError(QStringLiteral("%1 и %2 са едно и също място или едното е в другото.").arg(source, destination));
-  if (existsOrIsLink(destination) && !confirm(QStringLiteral("%1 вече съществува. Да бъде ли заменен?").arg(destination)))
+  const QString replaceIt = QStringLiteral("%1 вече съществува. Да бъде ли заменен?").arg(destination);
+  if (existsOrIsLink(destination) && !confirm(replaceIt))
     return false;
   if (operation == ShellOperation::Copy)
     copyAll(QDir::cleanPath(source), destination);
@@ -92,7 +93,8 @@ bool ShellFileOperation(const QString& source, const QString& target, ShellOpera
   } catch (const DataError& error) {
     showError(error.message());
   } catch (const std::filesystem::filesystem_error& error) {
-    showError(QStringLiteral("Операцията с файла %1 е неуспешна: %2").arg(source, QString::fromLocal8Bit(error.code().message().c_str())));
+    const QString why = QString::fromStdString(error.code().message());
+    showError(QStringLiteral("Операцията с файла %1 е неуспешна: %2").arg(source, why));
   }
   return false;
 }

@@ -14,8 +14,9 @@ QRegularExpression maskExpression(const QString& mask)
 {
   QString pattern = mask == QLatin1String("*.*") ? QStringLiteral(".*") : QRegularExpression::escape(mask);
   pattern.replace(QLatin1String("\\*"), QLatin1String(".*")).replace(QLatin1String("\\?"), QLatin1String("."));
-  return QRegularExpression(QRegularExpression::anchoredPattern(pattern),
-                            QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+  return QRegularExpression(
+      QRegularExpression::anchoredPattern(pattern),
+      QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
 }
 
 template <class Chosen>

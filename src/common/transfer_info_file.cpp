@@ -171,7 +171,8 @@ int CreateTransferInfoFile(const TTransferInfo& info, const QString& folder, con
     if (opened)
       writeDocument(file, info);
     if (!opened || !file.commit())
-      throw DataError(QStringLiteral("Файлът %1 не може да бъде записан: %2").arg(file.fileName(), file.errorString()));
+      throw DataError(
+          QStringLiteral("Файлът %1 не може да бъде записан: %2").arg(file.fileName(), file.errorString()));
   });
   return written ? 0 : -1;
 }

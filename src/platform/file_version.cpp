@@ -31,9 +31,10 @@ FileVersion fileVersionOf(const QString& dotted)
 std::optional<VersionResource> versionResourceOf(const QString& fileName)
 {
   QFile file(fileName);
-  if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly) || file.size() > largestVersionedFile)
+  if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
     throw SilentAbort();
-  return file.peek(2) == "MZ" ? readVersionResource(file.readAll()) : std::nullopt;
+  const bool windowsFile = file.peek(2) == "MZ" && file.size() <= largestVersionedFile;
+  return windowsFile ? readVersionResource(file.readAll()) : std::nullopt;
 }
 
 FileVersion versionOf(const QString& fileName)

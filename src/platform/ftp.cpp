@@ -45,7 +45,8 @@ void startLibraryOnce()
 {
   static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
   if (started != CURLE_OK)
-    throw FtpError(FtpFailure::Other, QStringLiteral("FTP не е наличен: %1").arg(QLatin1String(curl_easy_strerror(started))));
+    throw FtpError(FtpFailure::Other,
+                   QStringLiteral("FTP не е наличен: %1").arg(QLatin1String(curl_easy_strerror(started))));
 }
 
 // A line break would let what follows it be a command of its own.
@@ -185,7 +186,8 @@ void FtpSession::store(const QString& localFile, const QString& remoteName)
 {
   QFile file(localFile);
   if (!file.open(QIODevice::ReadOnly) || file.isSequential())
-    throw FtpError(FtpFailure::Other, QStringLiteral("Файлът %1 не може да бъде отворен: %2").arg(localFile, file.errorString()));
+    throw FtpError(FtpFailure::Other,
+                   QStringLiteral("Файлът %1 не може да бъде отворен: %2").arg(localFile, file.errorString()));
   d->prepare(remoteName);
   curl_easy_setopt(d->curl, CURLOPT_UPLOAD, 1L);
   curl_easy_setopt(d->curl, CURLOPT_INFILESIZE_LARGE, curl_off_t(file.size()));

@@ -183,8 +183,10 @@ class AmountInWordsTest : public QObject {
 
   void everyHundredthIsWritten()
   {
-    for (int cents = 0; cents < 100000; ++cents)
-      QVERIFY2(NumberToText(cents / 100.0).endsWith(QString::asprintf(" и .%02d", cents % 100)), qPrintable(QString::number(cents)));
+    for (int cents = 0; cents < 100000; ++cents) {
+      const QString text = NumberToText(cents / 100.0);
+      QVERIFY2(text.endsWith(QString::asprintf(" и .%02d", cents % 100)), qPrintable(text));
+    }
   }
 
   void noAmount()

@@ -55,8 +55,10 @@ class FilesTest : public QObject {
     QTest::newRow("copy into") << "two" << "dir" << ShellOperation::Copy << "dir/two=two," + all;
     QTest::newRow("copy over") << "two" << "one" << ShellOperation::Copy << "dir/in/b=b,dir/one=1,one=two,two=two";
     QTest::newRow("copy a folder") << "dir" << "new" << ShellOperation::Copy << "new/in/b=b,new/one=1," + all;
-    QTest::newRow("move") << "one" << "dir/in" << ShellOperation::Move << "dir/in/b=b,dir/in/one=one,dir/one=1,two=two";
-    QTest::newRow("rename a folder") << "dir" << "new" << ShellOperation::Rename << "new/in/b=b,new/one=1,one=one,two=two";
+    QTest::newRow("move") << "one" << "dir/in" << ShellOperation::Move
+                          << "dir/in/b=b,dir/in/one=one,dir/one=1,two=two";
+    QTest::newRow("rename a folder") << "dir" << "new" << ShellOperation::Rename
+                                     << "new/in/b=b,new/one=1,one=one,two=two";
     QTest::newRow("delete") << "dir" << "" << ShellOperation::Delete << "one=one,two=two";
     QTest::newRow("into itself") << "dir" << "dir/in" << ShellOperation::Copy << "!" + all;
     QTest::newRow("onto itself") << "one" << "one" << ShellOperation::Copy << "!" + all;

@@ -24,7 +24,8 @@ class CountingPrompt : public testing::ScriptedPrompt {
 
 class Environment {
  public:
-  Environment(const char* name, const QByteArray& value) : name_(name), was_(qgetenv(name)), set_(qEnvironmentVariableIsSet(name))
+  Environment(const char* name, const QByteArray& value)
+      : name_(name), was_(qgetenv(name)), set_(qEnvironmentVariableIsSet(name))
   {
     qputenv(name, value);
   }
