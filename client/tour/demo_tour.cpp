@@ -144,7 +144,7 @@ void changeQuantityAndSave(TourDriver& driver, const QString& quantity, const ch
 
 void openSettings(TourDriver& driver)
 {
-  chooseInNavigator(driver, QStringLiteral("Настройки"));
+  chooseInNavigator(driver, QStringLiteral("Настройки на клиента"));
   driver.step("settings", windowIs("TfSettings"), [] {});
 }
 
@@ -200,7 +200,11 @@ void arrangeColumns(TourDriver& driver, const char* className)
   });
   driver.picture("columns");
   driver.step("keep the columns", dialogIs("TfColumnsProps"), [&driver] { driver.key(Qt::Key_Return); });
-  driver.step("to the last column", formIs(className), [&driver] { driver.key(Qt::Key_End); });
+  const auto inGrid = [] { return !TourDriver::dialog() && qobject_cast<TDBGrid*>(TourDriver::focus()); };
+  driver.step("to the last column", inGrid, [&driver] {
+    for (int i = 0; i < 12; ++i)
+      driver.key(Qt::Key_Right);
+  });
   driver.picture("fixed-columns");
   driver.step("back", formIs(className), [&driver] { driver.key(Qt::Key_Home); });
 }

@@ -6,7 +6,6 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
-#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -264,13 +263,18 @@ void TfSettings::showAsChild()
 {
   adoptChildWindow(this);
   QWidget* frame = windowOf(this);
-  if (auto* child = qobject_cast<QMdiSubWindow*>(frame))
+  auto* child = qobject_cast<QMdiSubWindow*>(frame);
+  if (child) {
     connect(child->mdiArea(), &QMdiArea::subWindowActivated, this, [this, child](QMdiSubWindow* active) {
       if (active == child)
         tellActive();
     });
+    cascadeChildWindow(child);
+  }
   show();
   frame->show();
+  if (child)
+    fitChildWindow(child);
   activateForm(this);
   tellActive();
   pcSettings->setFocus();

@@ -144,8 +144,8 @@ QWidget* TfSettings::buildConnection()
   auto* fields = labelledFields();
   addField(fields, u"Адрес:", cbxAddress);
   addField(fields, u"Порт:", ebxPort);
+  fields->addRow(QString(), btnTest);
   column->addLayout(fields);
-  column->addLayout(sideBySide({btnTest}));
   column->addStretch();
   return page;
 }
