@@ -134,6 +134,15 @@ void SaleDocumentRules::attachLines()
       };
     }
   }
+  // The last amount that every recalculation of a line writes: the document's VAT follows while the user types.
+  if (TField* amount = lines_->FindField(u"TotalVAT_LCY")) {
+    amount->OnChange = [this, previous = amount->OnChange](TField* changed) {
+      if (previous) {
+        previous(changed);
+      }
+      updateTotals();
+    };
+  }
   for (DataSetEvent* event : {&lines_->AfterPost, &lines_->AfterDelete}) {
     *event = [this, previous = *event](TClientDataSet* dataSet) {
       if (previous) {

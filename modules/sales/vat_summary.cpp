@@ -79,6 +79,7 @@ void VatSummary::setTotals(const TVATTotals& totals, const QString& currency)
     table_->setColumnHidden(firstAmount + i, columns[i].local && currency.isEmpty());
   }
   table_->setHorizontalHeaderLabels(titles);
+  table_->horizontalHeaderItem(0)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const QString picture = QStringLiteral("#,##0.") + QString(LocalData.PrecisionAmount, u'0');
   const auto& groups = totals.groups();
   table_->setRowCount(int(groups.size()) + 1);
