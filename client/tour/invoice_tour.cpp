@@ -62,7 +62,9 @@ void changeLines(TourDriver& driver)
   changeLine(driver, "Code", QStringLiteral("120062"), "item");
   driver.expect("another item at its list price", [] { return lineValue(u"OriginalPrice") == lineValue(u"UnitPrice"); });
   changeLine(driver, "N_Measure_Code", QStringLiteral("кашон"), "measure");
-  driver.expect("a box of 24", [] { return lineValue(u"QtyPerUnitOfMeasure") == 24; });
+  driver.expect("a box of 24 at its own price", [] {
+    return lineValue(u"QtyPerUnitOfMeasure") == 24 && lineValue(u"UnitPrice") == lineValue(u"OriginalPrice");
+  });
 }
 
 void changeHeaders(TourDriver& driver)

@@ -172,7 +172,7 @@ class FtpTest : public QObject {
     const QString place = "127.0.0.1/in";
     QTest::newRow("wrong password") << place << "wrong" << "a.xml" << -2 << -2 << false;
     QTest::newRow("missing file") << place << password << "none.xml" << -1 << -1 << true;
-    QTest::newRow("missing folder") << "127.0.0.1/none" << password << "a.xml" << -2 << -2 << true;
+    QTest::newRow("missing folder") << "127.0.0.1/none" << password << "a.xml" << -2 << -1 << true;
     QTest::newRow("no host") << "/in" << password << "a.xml" << -1 << -1 << false;
     QTest::newRow("impossible host") << "a b/in" << password << "a.xml" << -1 << -1 << false;
     QTest::newRow("line break in the folder") << "127.0.0.1/in\r\nDELE x" << password << "a.xml" << -1 << -1 << true;
