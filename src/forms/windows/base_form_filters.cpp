@@ -108,7 +108,10 @@ void TfBase::openTableFilter(const FilterArray& startFilter)
 {
   auto* editor = new TfTableFilter(this, d->caption, cdsOptions(0).FieldDescriptions, GetCdsMaster(), startFilter, this);
   d->tableFilter = editor;
-  connect(editor, &QDialog::finished, editor, &QObject::deleteLater);
+  connect(editor, &QDialog::finished, this, [this, editor] {
+    d->tableFilter = nullptr;
+    editor->deleteLater();
+  });
   editor->DoShowTableFilter();
 }
 
