@@ -32,7 +32,7 @@ inline constexpr GlobalAction globalActions[] = {
     {"acNext", u"Следващ запис", "Alt+PgDown", "go-next", ActionMenu::View, true, false, &IBaseIntf::NextRecord},
     {"acLast", u"Последен запис", "Alt+End", "go-last", ActionMenu::View, true, false, &IBaseIntf::LastRecord},
     {"acFieldFilter", u"Филтър по поле", "F3", "view-filter", ActionMenu::View, true, true, &IBaseIntf::FieldFilter},
-    {"acTableFilter", u"Табличен филтър", "Ctrl+F3", "gnumeric-autofilter", ActionMenu::View, true, false,
+    {"acTableFilter", u"Табличен филтър", "Ctrl+F3", "table", ActionMenu::View, true, false,
      &IBaseIntf::TableFilter},
     {"acShowAll", u"Премахва филтъра", "Shift+F3", "edit-clear-all", ActionMenu::View, true, false,
      &IBaseIntf::RemoveFilter},

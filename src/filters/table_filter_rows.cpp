@@ -252,7 +252,8 @@ QString shownFilterValue(const FilterFields& fields, int index, const QString& t
   }
   QStringList shown;
   for (const QString& part : text.split(u'|')) {
-    const QDate day = part.size() == 8 ? QDate::fromString(part, QStringLiteral("yyyyMMdd")) : QDate();
+    QDate day = QDate::fromString(part, QStringLiteral("yyyyMMdd"));  // as filters and the calendar write it
+    day = day.isValid() ? day : QDate::fromString(part, QStringLiteral("dd/MM/yyyy"));
     shown.append(day.isValid() ? dateText(day) : part);
   }
   return shown.join(u'|');

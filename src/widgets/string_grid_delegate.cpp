@@ -1,11 +1,13 @@
 #include "widgets/string_grid_delegate.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTimer>
 
 #include "widgets/edit_button.h"
@@ -38,6 +40,8 @@ QComboBox* makeList(QWidget* parent, const QStringList& items)
   list->setFrame(false);
   list->setMaxVisibleItems(shownItems);
   list->addItems(items);
+  list->view()->setMinimumWidth(list->view()->sizeHintForColumn(0) + list->view()->verticalScrollBar()->sizeHint().width() +
+                                spacing::wide);
   list->completer()->setCompletionMode(QCompleter::InlineCompletion);
   list->completer()->setCaseSensitivity(Qt::CaseInsensitive);
   return list;

@@ -45,8 +45,9 @@ class SortSearchWindowTest : public QObject {
     createSampleDataSet(dataSet);
     dataSet.FieldByName(u"Name")->DisplayLabel = "Име";
     dataSet.FieldByName(u"Hidden")->Visible = false;
+    dataSet.FieldByName(u"Code")->Origin = "T.Code";
     TfSort dialog;
-    QString order = "Name DESC, Code ASC, T.Unknown DESC";
+    QString order = "Name DESC, T.Code ASC, T.Unknown DESC";
     inSortDialog(dialog, [&] {
       QCOMPARE(dialog.StringGrid()->Cells(0, 0) + dialog.StringGrid()->Cells(1, 0), QString(" Име на поле Ред"));
       QCOMPARE(dialog.StringGrid()->Cells(0, 1) + dialog.StringGrid()->Cells(1, 1), QString("ИмеНамаляващ"));
@@ -55,7 +56,7 @@ class SortSearchWindowTest : public QObject {
       QVERIFY(dialog.fieldList()->findItems("Hidden", Qt::MatchExactly).isEmpty());
     }, "btnOk");
     QCOMPARE(dialog.ShowSortForm(&dataSet, order), 1);
-    QCOMPARE(order, QString("Name DESC, Code ASC, T.Unknown DESC"));
+    QCOMPARE(order, QString("Name DESC, T.Code ASC, T.Unknown DESC"));
   }
 
   void fieldsAreChosenByKeyboard()

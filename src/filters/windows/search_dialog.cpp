@@ -209,6 +209,12 @@ void TfSearch::open(const QString& text)
   if (const TField* searched = field()) {
     setWindowTitle(QStringLiteral("%1 [%2]").arg(_inf_SearchByField, searched->DisplayLabel));
   }
+  if (!isVisible() && parentWidget()) {
+    // Where it covers the records least.
+    adjustSize();
+    const QRect form = parentWidget()->rect();
+    move(parentWidget()->mapToGlobal(form.bottomRight()) - QPoint(width() + spacing::wide, height() + spacing::wide));
+  }
   show();
   activateWindow();
   text_->setFocus();

@@ -136,15 +136,18 @@ void TfSort::setDataSet(TClientDataSet* dataSet)
     if (taken) {
       label += QStringLiteral(" (%1)").arg(field->FieldName());
     }
-    known_.append({label, field->FieldName(), field->Visible});
+    known_.append({label, field->FieldName(), field->Origin, field->Visible});
   }
 }
 
-QString TfSort::labelOf(const QString& fieldName) const
+QString TfSort::labelOf(const QString& fieldName)
 {
-  for (const SortField& field : known_) {
-    if (field.name.compare(fieldName, Qt::CaseInsensitive) == 0) {
-      return field.label;
+  for (QString SortField::*part : {&SortField::name, &SortField::origin}) {
+    for (SortField& field : known_) {
+      if ((field.*part).compare(fieldName, Qt::CaseInsensitive) == 0) {
+        field.name = fieldName;
+        return field.label;
+      }
     }
   }
   return fieldName;
@@ -239,6 +242,7 @@ void TfSort::acTransfToSortExecute()
   grid_->SetCells(scDirection, row, sortDirectionText(SortDirection::Ascending));
   grid_->select(scDirection, row);
   delete item;
+  fields_->keyboardSearch(QString());  // the next letters begin a new search
 }
 
 void TfSort::acRemoveFromSortExecute()

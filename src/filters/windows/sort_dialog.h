@@ -39,12 +39,14 @@ class BASE_PACKAGE TfSort : public QDialog {
  private:
   struct SortField {
     QString label;                     // display label; with the name behind it when two fields share it
-    QString name;
+    QString name;                      // as the order writes it
+    QString origin;
     bool visible;
   };
   void setDataSet(TClientDataSet* dataSet);
   void fillList();
-  QString labelOf(const QString& fieldName) const;  // the name itself when the dataset has no such field
+  // Of a field by its name or its origin, which the order then keeps; the name itself when there is no such field.
+  QString labelOf(const QString& fieldName);
   QString nameOf(const QString& label) const;
   int lastRow() const;                 // 0: no row holds a field
   bool gridKey(QKeyEvent* event);

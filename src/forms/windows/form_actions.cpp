@@ -19,7 +19,7 @@ constexpr std::array formActionTable{
     FormActionRow{u"acCopyRecord", u"Копиране на запис", "", "edit-copy", false},
     FormActionRow{u"acEditRecord", u"Редакция", "F2", "document-edit", true},
     FormActionRow{u"acFieldFilter", u"Филтър", "F3", "view-filter", true},
-    FormActionRow{u"acTableFilter", u"Филтър на таблица", "Ctrl+F3", "gnumeric-autofilter", true},
+    FormActionRow{u"acTableFilter", u"Филтър на таблица", "Ctrl+F3", "table", true},
     FormActionRow{u"acRemoveFilter", u"Премахва филтър", "Shift+F3", "edit-clear-all", true},
     FormActionRow{u"acFind", u"Търсене", "Ctrl+F", "edit-find", true},
     FormActionRow{u"acRefresh", u"Обновяване", "F5", "view-refresh", true},
