@@ -100,6 +100,11 @@ void TourDriver::savePicture(const QString& name)
   std::stable_sort(windows.begin(), windows.end(), [](const QWidget* a, const QWidget* b) {
     return a->width() * a->height() > b->width() * b->height();
   });
+  // On top stands what the keys go to, and its lists.
+  std::stable_partition(windows.begin(), windows.end(),
+                        [](const QWidget* window) { return window != dialog() && window->windowType() != Qt::Popup; });
+  std::stable_partition(windows.begin(), windows.end(),
+                        [](const QWidget* window) { return window->windowType() != Qt::Popup; });
   QPoint popupsBy;  // the lists of a dialog move with it
   for (QWidget* window : windows) {
     QPoint at = window->frameGeometry().topLeft();

@@ -205,6 +205,7 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
                                               d->description.text(FieldColumn::SelectorDesc), field->DataSet());
       d->selectorButton->selector()->FieldName = field->FieldName();
       RemoveSelectorFilterLinesWithFieldRels(*d->selectorButton->selector());
+      d->value->lineEdit()->setTextMargins(0, 0, d->selectorButton->width(), 0);
     }
     if (d->kind == Private::Kind::Date && (field->FieldDataType() == DataType::Date ||
                                            field->FieldDataType() == DataType::DateTime)) {
@@ -214,7 +215,9 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
       connect(button, &QAbstractButton::clicked, this, [this] { showDateSelector(d->value->lineEdit()); });
     }
   }
-  setValue(d->kind == Private::Kind::YesNo ? (startValue == QLatin1String("1") ? yesText : noText) : startValue);
+  setValue(d->kind == Private::Kind::YesNo     ? (startValue == QLatin1String("1") ? yesText : noText)
+           : d->kind == Private::Kind::Options ? optionText(d->description.options(), startValue)
+                                               : startValue);
 }
 
 TfFilterFields::~TfFilterFields()

@@ -99,7 +99,7 @@ void TfBase::acTableFilterExecute()
 {
   if (d->tableFilter) {
     d->tableFilter->activateWindow();
-  } else if (QueryToSaveBeforeToDo()) {
+  } else if (GetCdsMaster() && QueryToSaveBeforeToDo()) {
     openTableFilter(d->formFilter);
   }
 }
@@ -130,7 +130,7 @@ void TfBase::askForFilter()
 
 void TfBase::acSortExecute()
 {
-  if (!QueryToSaveBeforeToDo()) {
+  if (!GetCdsMaster() || !QueryToSaveBeforeToDo()) {
     return;
   }
   TfSort dialog(window());
