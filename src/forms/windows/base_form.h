@@ -274,6 +274,11 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void backFromLookup();
   void acFieldFilterExecute();
   void acRemoveFilterExecute();
+  void acTableFilterExecute();
+  void acSortExecute();
+  void openTableFilter(const FilterArray& startFilter);
+  void askForFilter();
+  void showWindow();
   void acCopyNewExecute();
   void acExportExecute();
   void titleClicked(TDBGrid* grid, TField* field);
