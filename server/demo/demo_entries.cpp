@@ -7,7 +7,7 @@ namespace kalvor::server {
 namespace {
 
 enum EntryType { EntryInvoice = 0, EntryPayment = 3 };
-constexpr int saleSide = 1;
+constexpr int entrySideSales = 1;
 constexpr int deferredApart = 40;  // every so many contractors pay by a long plan
 
 struct FinishedInvoice {
@@ -74,7 +74,7 @@ class ContragentEntryWriter {
     const bool payment = type == EntryPayment;
     const QString number = payment ? QStringLiteral("PAY-") + invoice.number : invoice.number;
     entries_.insert({scope_.id("G_ContragentEntry", number), scope_.companyId, invoice.objectId, invoice.contragentId,
-                     saleSide, int(type), payment ? Variant() : Variant(invoice.id), number, day, day, due,
+                     entrySideSales, int(type), payment ? Variant() : Variant(invoice.id), number, day, day, due,
                      invoice.methodId, invoice.currency, amount.document, amount.local, remaining.document,
                      remaining.local, int(remaining.document != 0)});
   }
