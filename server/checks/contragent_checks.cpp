@@ -6,7 +6,7 @@ namespace kalvor::server {
 
 namespace {
 
-constexpr int saleSide = 1;
+constexpr int salesEntries = 1;
 
 // What the contractor owes on the sales side; payments in advance make it less.
 qint64 openDebt(const Access& access, const QString& contragentId)
@@ -16,7 +16,7 @@ qint64 openDebt(const Access& access, const QString& contragentId)
       "WHERE Comp_Id = ? AND Contragent_Id = ? AND Opened = 1 AND Gen_PostingType = ?"));
   row->bind(0, access.session.companyId);
   row->bind(1, contragentId);
-  row->bind(2, saleSide);
+  row->bind(2, salesEntries);
   return row->step() ? row->integer(0) : 0;
 }
 
@@ -27,7 +27,7 @@ bool hasOverdueDebt(const Access& access, const QString& contragentId, const QDa
       "AND DueDate < ? AND Remaining_LCY > 0 LIMIT 1"));
   row->bind(0, access.session.companyId);
   row->bind(1, contragentId);
-  row->bind(2, saleSide);
+  row->bind(2, salesEntries);
   row->bind(3, today);
   return row->step();
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kindSaleInvoice = 0;
 
-bool isVisible(const Access& access, const QString& documentId)
+bool isVisibleInvoice(const Access& access, const QString& documentId)
 {
   const TableInfo& table = *access.metadata.catalogue().table(u"D_SaleInvoiceHeader");
   const Fragment visible = allOf({Fragment{QStringLiteral("D_SaleInvoiceHeader.Id = ? AND D_SaleInvoiceHeader.Comp_Id = ?"),
@@ -47,7 +47,7 @@ AverageCost averageCost(Connection& db, const QString& companyId, const QString&
 
 UnitCostVerdict checkItemUnitCost(const Access& access, const QString& documentId, int kind, const QDate& today)
 {
-  if (kind != kindSaleInvoice || !isVisible(access, documentId)) {
+  if (kind != kindSaleInvoice || !isVisibleInvoice(access, documentId)) {
     return UnitCostVerdict::Unknown;
   }
   const QString& companyId = access.session.companyId;

@@ -7,8 +7,8 @@ namespace kalvor::server {
 namespace {
 
 enum EntryType { EntryInvoice = 0, EntryPayment = 3 };
-constexpr int saleSide = 1;
-constexpr int deferredApart = 40;  // every so many contractors pay by a long plan
+constexpr int entrySideSales = 1;
+constexpr int deferredApart = 16;  // every so many contractors pay by a long plan
 
 struct FinishedInvoice {
   QString id, number, contragentId, objectId, methodId;
@@ -57,7 +57,8 @@ class ContragentEntryWriter {
   int paidPercent(const FinishedInvoice& invoice)
   {
     const qint64 age = invoice.day.daysTo(scope_.options.lastDay);
-    const int open = age < 30 ? 60 : age < 90 ? 20 : 2;
+    const bool planned = deferred_.contains(invoice.contragentId) && age < 365;
+    const int open = planned ? 70 : age < 30 ? 60 : age < 90 ? 20 : 2;
     const int chance = random_.below(100);
     if (invoice.methodId == cash_ || chance >= open) {
       return 100;
@@ -74,7 +75,7 @@ class ContragentEntryWriter {
     const bool payment = type == EntryPayment;
     const QString number = payment ? QStringLiteral("PAY-") + invoice.number : invoice.number;
     entries_.insert({scope_.id("G_ContragentEntry", number), scope_.companyId, invoice.objectId, invoice.contragentId,
-                     saleSide, int(type), payment ? Variant() : Variant(invoice.id), number, day, day, due,
+                     entrySideSales, int(type), payment ? Variant() : Variant(invoice.id), number, day, day, due,
                      invoice.methodId, invoice.currency, amount.document, amount.local, remaining.document,
                      remaining.local, int(remaining.document != 0)});
   }

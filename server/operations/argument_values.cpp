@@ -24,7 +24,7 @@ bool isEmptyValue(const Variant& value)
   return isNull(value) || (value.typeId() == QMetaType::QString && value.toString().trimmed().isEmpty());
 }
 
-Variant converted(const Variant& value, DataType type, const QString& name, const QString& expected)
+Variant convertedArgument(const Variant& value, DataType type, const QString& name, const QString& expected)
 {
   const auto result = isSimple(value) ? filterValue(type, value) : std::nullopt;
   if (!result) {
@@ -45,13 +45,13 @@ QString textArgument(const Variant& value, const QString& name)
 
 qint64 amountArgument(const Variant& value, const QString& name)
 {
-  return isEmptyValue(value) ? 0 : scaled(converted(value, DataType::Float, name, QStringLiteral("число")).toDouble());
+  return isEmptyValue(value) ? 0 : scaled(convertedArgument(value, DataType::Float, name, QStringLiteral("число")).toDouble());
 }
 
 qint64 wholeArgument(const Variant& value, const QString& name)
 {
   return isEmptyValue(value)
-             ? 0 : converted(value, DataType::LargeInt, name, QStringLiteral("цяло число")).toLongLong();
+             ? 0 : convertedArgument(value, DataType::LargeInt, name, QStringLiteral("цяло число")).toLongLong();
 }
 
 bool flagArgument(const Variant& value, const QString& name)
@@ -62,7 +62,7 @@ bool flagArgument(const Variant& value, const QString& name)
 QDate dateArgument(const Variant& value, const QString& name)
 {
   return isEmptyValue(value) ? QDate()
-                             : converted(value, DataType::Date, name, QStringLiteral("дата")).toDate();
+                             : convertedArgument(value, DataType::Date, name, QStringLiteral("дата")).toDate();
 }
 
 }  // namespace kalvor::server

@@ -71,6 +71,7 @@ LineRequest lineRequest(const CallContext& call, LineSide side, std::span<const 
 
 Variant callGetSaleLinePrice(CallContext& call)
 {
+  const Transaction snapshot(call.db, false);
   const PriceAnswer answer =
       findItemPrice(call.db, call.session.companyId, lineRequest(call, LineSide::Sale, pricePlaces));
   call.arguments[1] = answer.price;
@@ -80,6 +81,7 @@ Variant callGetSaleLinePrice(CallContext& call)
 
 Variant callGetPurchLinePrice(CallContext& call)
 {
+  const Transaction snapshot(call.db, false);
   const PriceAnswer answer =
       findItemPrice(call.db, call.session.companyId, lineRequest(call, LineSide::Purchase, pricePlaces));
   call.arguments[1] = answer.price;
@@ -88,6 +90,7 @@ Variant callGetPurchLinePrice(CallContext& call)
 
 Variant callGetSaleLineDiscount(CallContext& call)
 {
+  const Transaction snapshot(call.db, false);
   const DiscountAnswer answer =
       findItemDiscount(call.db, call.session.companyId, lineRequest(call, LineSide::Sale, saleDiscountPlaces));
   call.arguments[1] = answer.percent;
@@ -97,6 +100,7 @@ Variant callGetSaleLineDiscount(CallContext& call)
 
 Variant callGetPurchLineDiscount(CallContext& call)
 {
+  const Transaction snapshot(call.db, false);
   const DiscountAnswer answer =
       findItemDiscount(call.db, call.session.companyId, lineRequest(call, LineSide::Purchase, purchaseDiscountPlaces));
   call.arguments[1] = answer.percent;

@@ -31,7 +31,7 @@ const QString groupsAbove = QStringLiteral(
     "FROM Above JOIN N_ItemGroup ON N_ItemGroup.Id = Above.Id AND N_ItemGroup.Comp_Id = ? "
     "WHERE N_ItemGroup.Parent_Id IS NOT NULL AND Above.Depth < 16) ");
 
-Fragment rowsOf(const QString& depth, const QString& tables, const Fragment& target, const Fragment& whose,
+Fragment matchingRows(const QString& depth, const QString& tables, const Fragment& target, const Fragment& whose,
                 const Fragment& suitable)
 {
   return Fragment{QStringLiteral("SELECT Contragent_Id, PriceGroup_Id, %1, SubDocument_Id, Measure_Id, MinQuantity, "
@@ -60,8 +60,8 @@ Fragment discountRows(const QString& companyId, const PricedItem& item, const Li
   const QString byGroup = QStringLiteral("Above CROSS JOIN N_ItemDiscount ON N_ItemDiscount.ItemGroup_Id = Above.Id");
   for (const Fragment& of : std::as_const(whose)) {
     const QLatin1StringView join(&of == &whose.first() ? "" : " UNION ALL ");
-    sql += join + rowsOf(QStringLiteral("0"), QStringLiteral("N_ItemDiscount"), ofItem, of, suitable) +
-           QStringLiteral(" UNION ALL ") + rowsOf(QStringLiteral("Above.Depth"), byGroup, ofGroup, of, suitable);
+    sql += join + matchingRows(QStringLiteral("0"), QStringLiteral("N_ItemDiscount"), ofItem, of, suitable) +
+           QStringLiteral(" UNION ALL ") + matchingRows(QStringLiteral("Above.Depth"), byGroup, ofGroup, of, suitable);
   }
   return sql;
 }

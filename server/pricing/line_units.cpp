@@ -9,10 +9,10 @@ namespace kalvor::server {
 
 namespace {
 
-qint64 absolute(qint64 amount) { return amount < 0 ? -amount : amount; }
+qint64 withoutSign(qint64 amount) { return amount < 0 ? -amount : amount; }
 
 // amount * times / over, half away from zero; 0 when it is beyond counting.
-qint64 product(qint64 amount, qint64 times, qint64 over)
+qint64 scaledProduct(qint64 amount, qint64 times, qint64 over)
 {
   return ExactAmount(amount).multiply(times, over).roundedMillionths(6).value_or(0);
 }
@@ -38,19 +38,19 @@ LineUnits lineUnits(Connection& db, const QString& companyId, const PricedItem& 
 {
   LineUnits units;
   units.measureId = request.measureId.isEmpty() ? item.measureId : request.measureId;
-  units.quantity = absolute(request.quantity);
+  units.quantity = withoutSign(request.quantity);
   units.baseQuantity = units.quantity;
   if (units.measureId.compare(item.measureId, Qt::CaseInsensitive) == 0) {
     return units;
   }
-  const qint64 base = absolute(request.baseQuantity);
-  const qint64 stated = units.quantity > 0 && base > 0 ? product(amountScale, base, units.quantity) : 0;
+  const qint64 base = withoutSign(request.baseQuantity);
+  const qint64 stated = units.quantity > 0 && base > 0 ? scaledProduct(amountScale, base, units.quantity) : 0;
   const auto measures = measuresOf(db, companyId, item.id);
   const qint64 known = measures.value(units.measureId.toCaseFolded());
   units.perMeasure = known > 0 ? known : stated > 0 ? stated : amountScale;
   // Both quantities arrive rounded to millionths.
   const auto agrees = [&](qint64 factor) {
-    return absolute(product(units.quantity, factor, amountScale) - base) <= 1;
+    return withoutSign(scaledProduct(units.quantity, factor, amountScale) - base) <= 1;
   };
   const bool ofAnother = agrees(amountScale) || std::any_of(measures.cbegin(), measures.cend(), agrees);
   if (stated > 0 && !agrees(units.perMeasure) && !ofAnother) {
@@ -59,7 +59,7 @@ LineUnits lineUnits(Connection& db, const QString& companyId, const PricedItem& 
   if (stated > 0 && agrees(units.perMeasure)) {
     units.answered = units.perMeasure;
   }
-  units.baseQuantity = product(units.quantity, units.perMeasure, amountScale);
+  units.baseQuantity = scaledProduct(units.quantity, units.perMeasure, amountScale);
   return units;
 }
 
