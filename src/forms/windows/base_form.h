@@ -250,6 +250,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
                          TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
   void bindActions();
+  void bindGridActions();
+  void acColumnsPropsExecute();
   void hookFields(TCDSOptions& entry);
   void hookDataSet(TClientDataSet* dataSet);
   void openWithDescription();
