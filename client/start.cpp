@@ -18,7 +18,7 @@ namespace kalvor {
 namespace {
 
 // Every module that lies next to the program; a name is allowed by occurring in this text.
-const QString allowedModules = QStringLiteral("sales");
+const QString allowedModules = QStringLiteral("administration,nomenclatures,sales");
 
 void keepServer(const QString& server)
 {

@@ -39,6 +39,11 @@ void addDemoTour(TourDriver& driver)
   driver.step("item", formIs("TfEdItem"), [] {});
   driver.picture("item");
   visitStoredSettings(driver);
+  visitItemGroups(driver);
+  visitEditGrids(driver);
+  openForm(driver, QStringLiteral("Редове на фактури"), "TfBrSaleLine");
+  driver.picture("sale-lines");
+  visitAdministration(driver);
 }
 
 }  // namespace kalvor

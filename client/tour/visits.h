@@ -18,4 +18,9 @@ void chooseInTableFilter(TourDriver& driver);
 void applyTableFilter(TourDriver& driver);
 void sortAndSearch(TourDriver& driver);
 
+// The kinds of forms beside lists and cards: trees, edit grids with and without a filter panel.
+void visitItemGroups(TourDriver& driver);
+void visitEditGrids(TourDriver& driver);
+void visitAdministration(TourDriver& driver);
+
 }  // namespace kalvor::tour

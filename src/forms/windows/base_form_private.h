@@ -23,6 +23,7 @@ struct TfBase::Private {
   Stage stage = Stage::New;
   int formId = 0;
   int rightsFormId = 0;
+  int queryFormId = 0;                        // whose query the master shows; 0 = the form's own
   ShowOption options;
   QString uniqueId;
   std::vector<std::unique_ptr<TCDSOptions>> dataSets;  // entries keep their place
