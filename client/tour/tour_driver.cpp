@@ -53,9 +53,10 @@ void TourDriver::poll()
   }
   // What a window manager does when a dialog closes.
   if (!QApplication::activeWindow() && !dialog())
-    for (QWidget* window : QApplication::topLevelWidgets())
-      if (window->isVisible() && window->windowType() == Qt::Window)
-        window->activateWindow();
+    for (const Qt::WindowType type : {Qt::Window, Qt::Dialog})
+      for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->windowType() == type)
+          window->activateWindow();
   if (steps_.front().ready && !steps_.front().ready()) {
     waitedMs_ += pollMs;
     if (waitedMs_ > patienceMs) {
@@ -99,11 +100,12 @@ void TourDriver::savePicture(const QString& name)
   });
   for (QWidget* window : windows) {
     QPoint at = window->frameGeometry().topLeft();
-    if (window->isModal() || windows.size() == 1)
+    const bool dialogWindow = window->isModal() || window->windowType() == Qt::Dialog;
+    if (dialogWindow || windows.size() == 1)
       at = QPoint((screenSize.width() - window->width()) / 2, (screenSize.height() - window->height()) / 2);
     if (window->size() == screenSize || window->width() > screenSize.width() - 40)
       at = QPoint(0, 0);
-    if (window->isModal() && !window->windowTitle().isEmpty()) {
+    if (dialogWindow && !window->windowTitle().isEmpty()) {
       const QRect title(at.x() - 1, at.y() - 26, window->width() + 2, 26);
       painter.fillRect(title.adjusted(0, 0, 0, window->height() + 1), QColor(0x2f, 0x3b, 0x47));
       painter.setPen(Qt::white);

@@ -25,7 +25,7 @@ bool isBelow(qint64 unitPrice, const AverageCost& average, qint64 quantityPerUni
 {
   ExactAmount cost(average.cost);
   cost.multiply(amountScale, average.quantity).multiply(quantityPerUnit > 0 ? quantityPerUnit : amountScale, amountScale);
-  const auto rounded = cost.roundedMillionths(decimals);
+  const auto rounded = cost.round(decimals).millionths();
   return rounded && unitPrice < *rounded;
 }
 

@@ -1,6 +1,7 @@
 #include "server/pricing/exact_amount.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "server/store/connection.h"
 
@@ -55,11 +56,12 @@ ExactAmount& ExactAmount::multiply(qint64 times, qint64 over)
   return *this;
 }
 
-std::optional<ExactAmount::Wide> ExactAmount::wholeUnits(int decimals) const
+ExactAmount::Wide ExactAmount::wholeUnits(int decimals)
 {
   Wide moved = 0;
-  if (overflow_ || __builtin_mul_overflow(numerator_, static_cast<Wide>(powerOfTen(decimals)), &moved)) {
-    return {};
+  if (__builtin_mul_overflow(numerator_, static_cast<Wide>(powerOfTen(decimals)), &moved)) {
+    overflow_ = true;
+    return 0;
   }
   const Wide whole = moved / denominator_;
   const Wide rest = moved % denominator_;
@@ -67,30 +69,28 @@ std::optional<ExactAmount::Wide> ExactAmount::wholeUnits(int decimals) const
   return size >= denominator_ - size ? whole + (moved < 0 ? -1 : 1) : whole;
 }
 
-std::optional<double> ExactAmount::rounded(int decimals) const
+ExactAmount& ExactAmount::round(int decimals)
 {
-  if (decimals < 0) {
-    return overflow_ ? std::nullopt
-                     : std::optional(double(static_cast<long double>(numerator_) / static_cast<long double>(denominator_)));
+  if (decimals >= 0 && !overflow_) {
+    const int places = std::min(decimals, mostDecimals);
+    numerator_ = wholeUnits(places);
+    denominator_ = powerOfTen(places);
   }
-  const int places = std::min(decimals, mostDecimals);
-  const auto units = wholeUnits(places);
-  if (!units) {
-    return {};
-  }
-  return double(static_cast<long double>(*units) / static_cast<long double>(powerOfTen(places)));
+  return *this;
 }
 
-std::optional<qint64> ExactAmount::roundedMillionths(int decimals) const
+std::optional<double> ExactAmount::value() const
 {
-  const int places = decimals < 0 ? millionthDecimals : std::min(decimals, millionthDecimals);
-  const auto units = wholeUnits(places);
+  return overflow_ ? std::nullopt
+                   : std::optional(double(static_cast<long double>(numerator_) / static_cast<long double>(denominator_)));
+}
+
+std::optional<qint64> ExactAmount::millionths() const
+{
+  ExactAmount copy = *this;
+  const Wide units = copy.wholeUnits(millionthDecimals);
   constexpr Wide largest = std::numeric_limits<qint64>::max();
-  const Wide scale = powerOfTen(millionthDecimals - places);
-  if (!units || *units > largest / scale || *units < -largest / scale) {
-    return {};
-  }
-  return qint64(*units * scale);
+  return copy.overflow_ || units > largest || units < -largest ? std::nullopt : std::optional(qint64(units));
 }
 
 }  // namespace kalvor::server

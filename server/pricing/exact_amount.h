@@ -15,16 +15,18 @@ class KALVOR_SERVER ExactAmount {
   // By whole numbers of any common unit: times 3, over 12; millionths over millionths. over must not be 0.
   ExactAmount& multiply(qint64 times, qint64 over);
 
-  // Half away from zero at that many decimals (at most 9); negative decimals do not round. Nothing when the amount
-  // has grown beyond what can be counted.
-  std::optional<double> rounded(int decimals) const;
-  // The same in whole millionths, at most 6 decimals; negative decimals round to millionths.
-  std::optional<qint64> roundedMillionths(int decimals) const;
+  // Half away from zero at that many decimals (at most 9); negative decimals do not round.
+  ExactAmount& round(int decimals);
+
+  // Nothing when the amount has grown beyond what can be counted.
+  std::optional<double> value() const;
+  std::optional<qint64> millionths() const;  // rounded to them
 
  private:
   __extension__ using Wide = __int128;
   static Wide commonDivisor(Wide a, Wide b);
-  std::optional<Wide> wholeUnits(int decimals) const;
+  // In units of so many decimals; marks the overflow.
+  Wide wholeUnits(int decimals);
 
   Wide numerator_;
   Wide denominator_;

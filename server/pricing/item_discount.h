@@ -17,8 +17,8 @@ struct DiscountAnswer {
 // everybody; within that of the item, then of its group, then of the group's parents; then of the line's sub-type,
 // measure; then with the greatest MinQuantity not above the line's quantity (in the row's measure, base units when
 // it has none); then with the latest start. Validity as with prices.
-// A special price is local currency without VAT for one of the row's measure, and is answered in local currency:
-// the request names no currency. It counts for sales only. Throws StoreError.
+// A special price is local currency without VAT for one of the row's measure, and is answered as prices are, for a
+// base unit, but in local currency: the request names none. It counts for sales only. Throws StoreError.
 KALVOR_SERVER DiscountAnswer findItemDiscount(Connection& db, const QString& companyId, const LineRequest& request);
 
 }  // namespace kalvor::server

@@ -7,7 +7,7 @@ namespace kalvor::server {
 
 struct PriceAnswer {
   LookupStatus status = LookupNoPrice;
-  double price = 0;                   // 0 unless found
+  double price = 0;                   // of a base unit; 0 unless found
   bool allowInvoiceDiscount = false;
 };
 

@@ -14,7 +14,7 @@ qint64 withoutSign(qint64 amount) { return amount < 0 ? -amount : amount; }
 // amount * times / over, half away from zero; 0 when it is beyond counting.
 qint64 scaledProduct(qint64 amount, qint64 times, qint64 over)
 {
-  return ExactAmount(amount).multiply(times, over).roundedMillionths(6).value_or(0);
+  return ExactAmount(amount).multiply(times, over).millionths().value_or(0);
 }
 
 QHash<QString, qint64> measuresOf(Connection& db, const QString& companyId, const QString& itemId)
@@ -55,9 +55,6 @@ LineUnits lineUnits(Connection& db, const QString& companyId, const PricedItem& 
   const bool ofAnother = agrees(amountScale) || std::any_of(measures.cbegin(), measures.cend(), agrees);
   if (stated > 0 && !agrees(units.perMeasure) && !ofAnother) {
     units.perMeasure = stated;
-  }
-  if (stated > 0 && agrees(units.perMeasure)) {
-    units.answered = units.perMeasure;
   }
   units.baseQuantity = scaledProduct(units.quantity, units.perMeasure, amountScale);
   return units;

@@ -36,7 +36,7 @@ ConvertedPrice convertPrice(Connection& db, const QString& companyId, const Pric
 {
   constexpr ConvertedPrice refused{LookupNoConversion, 0};
   ExactAmount amount(stated.price);
-  amount.multiply(units.answered, stated.baseUnits);
+  amount.multiply(units.perMeasure, stated.baseUnits);
   if (!stated.currencyId.isEmpty()) {
     const auto rate = currencyRate(db, companyId, item.localCurrency, stated.currencyId, request.date, 0);
     if (!rate) {
@@ -50,7 +50,7 @@ ConvertedPrice convertPrice(Connection& db, const QString& companyId, const Pric
   if (!convertVat(db, companyId, item, request, stated.includesVat, amount)) {
     return refused;
   }
-  const auto price = amount.rounded(item.priceDecimals);
+  const auto price = amount.round(item.priceDecimals).multiply(amountScale, units.perMeasure).value();
   return price ? ConvertedPrice{LookupFound, *price} : refused;
 }
 

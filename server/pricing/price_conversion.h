@@ -18,8 +18,9 @@ struct ConvertedPrice {
   double price = 0;
 };
 
-// For the units of the line, with or without VAT as the line asks, in the line's currency, rounded once to the
-// company's decimals of prices. A currency without a rate on the line's day and a pair of groups without VAT set-up are
+// For one base unit, with or without VAT as the line asks, in the line's currency. Rounded once, to the company's
+// decimals of prices, and that for the line's measure: a line multiplies the answer by the units of its measure, and
+// twelve times the unrounded twelfth of a box is the box's price again. A currency without a rate on the line's day and a pair of groups without VAT set-up are
 // LookupNoConversion, never a guess. Throws StoreError.
 ConvertedPrice convertPrice(Connection& db, const QString& companyId, const PricedItem& item, const LineUnits& units,
                             const LineRequest& request, const StatedPrice& stated);

@@ -57,7 +57,10 @@ Answer ask(Caller& caller, const char* operation, const VariantArray& request)
   return {status, arguments.at(1).toDouble(), twoOut ? arguments.at(2).toDouble() : 0};
 }
 
-// The client's rules of a line, as far as they touch its price, around the real lookup.
+// The client's rules of a line, as far as they touch its price, around the real lookup. A measure is chosen together
+// with its units; which of the two reaches the rules first depends on the form.
+enum class Arrives { UnitsFirst, MeasureFirst };
+
 struct ClientLine {
   Caller& caller;
   Line line;
@@ -65,33 +68,39 @@ struct ClientLine {
   double unitPrice = 0;
   double originalPrice = 0;
 
-  void lookUp(double multiplier)
+  void lookUp()
   {
-    line.base = base;
     const double price = ask(caller, "GetSaleLinePrice", line.forPrice()).first;
     if (price != originalPrice) {
-      unitPrice = std::round(multiplier * price * 1e5) / 1e5;
+      unitPrice = std::round(perUnit * price * 1e5) / 1e5;
       originalPrice = price;
     }
   }
   void setQuantity(double quantity)
   {
     line.quantity = quantity;
-    base = quantity * perUnit;
-    lookUp(1);
+    line.base = quantity * perUnit;
+    lookUp();
   }
-  void setMeasure(const char* measure, double units)
+  void setUnits(double units)
   {
-    line.measure = measure;
-    lookUp(perUnit);
-    perUnit = units;
-    const double before = line.quantity == 0 ? 0 : base / line.quantity;
-    if (before != 0) {
-      unitPrice = std::round(units / before * unitPrice * 1e5) / 1e5;
+    if (line.quantity != 0 && line.base != 0) {
+      unitPrice = std::round(units / (line.base / line.quantity) * unitPrice * 1e5) / 1e5;
     }
-    base = line.quantity * units;
+    perUnit = units;
+    line.base = line.quantity * units;
   }
-  double base = 0;
+  void setMeasure(const char* measure, double units, Arrives order)
+  {
+    if (order == Arrives::UnitsFirst) {
+      setUnits(units);
+    }
+    line.measure = measure;
+    lookUp();
+    if (order == Arrives::MeasureFirst) {
+      setUnits(units);
+    }
+  }
 };
 
 }  // namespace
@@ -147,7 +156,7 @@ class PriceLookupTest : public QObject {
     row("between the steps", {.code = "СТЪПКИ", .quantity = 99, .base = 99}, 0, 9, 1);
     row("highest step", {.code = "СТЪПКИ", .quantity = 5000, .base = 5000}, 0, 8, 1);
     row("goods taken back", {.code = "СТЪПКИ", .quantity = -10, .base = -10}, 0, 9, 1);
-    row("boxes reach a step of pieces", {.code = "СТЪПКИ", .measure = "B", .quantity = 1, .base = 12}, 0, 108, 1);
+    row("boxes reach a step of pieces", {.code = "СТЪПКИ", .measure = "B", .quantity = 1, .base = 12}, 0, 9, 1);
 
     const auto on = [](int month, int day) { return Variant(QDate(2026, month, day)); };
     row("the day before", {.code = "СРОКОВЕ", .date = QDate(2025, 12, 31)}, 0, 10, 1);
@@ -162,15 +171,15 @@ class PriceLookupTest : public QObject {
     row("date with a time", {.code = "СРОКОВЕ", .date = QDateTime(QDate(2026, 1, 31), QTime(23, 59))}, 0, 9, 1);
 
     row("piece", {.code = "КУТИЯ"}, 0, 1, 1);
-    row("box, own row", {.code = "КУТИЯ", .measure = "B", .quantity = 2, .base = 24}, 0, 11, 0);
-    row("box, own row's step", {.code = "КУТИЯ", .measure = "B", .quantity = 10, .base = 120}, 0, 10.8, 1);
-    row("crate by the piece's row", {.code = "КУТИЯ", .measure = "K", .quantity = 1, .base = 24}, 0, 24, 1);
-    row("crates by the piece's step", {.code = "КУТИЯ", .measure = "K", .quantity = 5, .base = 120}, 0, 21.6, 1);
-    row("box of the list price", {.measure = "B", .quantity = 1, .base = 12}, 0, 120, 1);
-    row("box, quantities still of pieces", {.code = "КУТИЯ", .measure = "B", .quantity = 2, .base = 2}, 0, 0.91667, 0);
+    row("box, own row", {.code = "КУТИЯ", .measure = "B", .quantity = 2, .base = 24}, 0, 11 / 12.0, 0);
+    row("box, own row's step", {.code = "КУТИЯ", .measure = "B", .quantity = 10, .base = 120}, 0, 0.9, 1);
+    row("crate by the piece's row", {.code = "КУТИЯ", .measure = "K", .quantity = 1, .base = 24}, 0, 1, 1);
+    row("crates by the piece's step", {.code = "КУТИЯ", .measure = "K", .quantity = 5, .base = 120}, 0, 0.9, 1);
+    row("box of the list price", {.measure = "B", .quantity = 1, .base = 12}, 0, 10, 1);
+    row("box, quantities still of pieces", {.code = "КУТИЯ", .measure = "B", .quantity = 2, .base = 2}, 0, 11 / 12.0, 0);
     row("piece, quantities still of boxes", {.code = "КУТИЯ", .measure = "P", .quantity = 2, .base = 24}, 0, 1, 1);
-    row("box of ten, typed", {.code = "КУТИЯ", .measure = "B", .quantity = 2, .base = 20}, 0, 11, 0);
-    row("measure of no item", {.measure = "H", .quantity = 2, .base = 10}, 0, 50, 1);
+    row("box of ten, typed", {.code = "КУТИЯ", .measure = "B", .quantity = 2, .base = 20}, 0, 1.1, 0);
+    row("measure of no item reaches a step", {.code = "СТЪПКИ", .measure = "H", .quantity = 2, .base = 10}, 0, 9, 1);
     row("measure of no item, nothing said", {.measure = "H", .quantity = 2, .base = 0}, 0, 10, 1);
 
     row("VAT taken out", {.code = "С ДДС"}, 0, 100, 1);
@@ -221,28 +230,44 @@ class PriceLookupTest : public QObject {
     QTEST(answer.first, "price");
   }
 
-  // The caller multiplies by the units itself when the measure changes and takes the price as it is otherwise.
+  void aLineKeepsItsPriceThroughMeasures_data()
+  {
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<int>("order");
+    QTest::addColumn<double>("piece");
+    QTest::addColumn<double>("box");
+    QTest::addColumn<double>("crates");
+    QTest::newRow("list price, units first") << "СПИСЪК" << int(Arrives::UnitsFirst) << 10.0 << 120.0 << 240.0;
+    QTest::newRow("list price, measure first") << "СПИСЪК" << int(Arrives::MeasureFirst) << 10.0 << 120.0 << 240.0;
+    // 144 pieces in crates reach the piece's step.
+    QTest::newRow("box's own price, units first") << "КУТИЯ" << int(Arrives::UnitsFirst) << 1.0 << 11.0 << 21.6;
+    QTest::newRow("box's own price, measure first") << "КУТИЯ" << int(Arrives::MeasureFirst) << 1.0 << 11.0 << 21.6;
+  }
   void aLineKeepsItsPriceThroughMeasures()
   {
-    for (const char* code : {"СПИСЪК", "КУТИЯ"}) {
-      const bool boxed = qstrcmp(code, "КУТИЯ") == 0;
-      ClientLine line{callers_->clerk, {.code = code, .quantity = 0}};
-      line.lookUp(1);
-      const double piece = boxed ? 1 : 10;
-      const double box = boxed ? 11 : 120;
-      QCOMPARE(line.unitPrice, piece);
-      line.setQuantity(5);
-      line.setMeasure("B", 12);
-      QVERIFY2(qAbs(line.unitPrice - box) < 1e-4, code);
-      line.setQuantity(6);
-      QCOMPARE(line.unitPrice, box);
-      line.setMeasure("K", 24);
-      QCOMPARE(line.unitPrice, boxed ? 21.6 : 240.0);  // 144 pieces reach the piece's step
-      line.setMeasure("P", 1);
-      QCOMPARE(line.unitPrice, piece);
-      line.setQuantity(7);
-      QCOMPARE(line.unitPrice, piece);
-    }
+    QFETCH(QString, code);
+    const QByteArray itemCode = code.toUtf8();
+    QFETCH(int, order);
+    QFETCH(double, piece);
+    QFETCH(double, box);
+    QFETCH(double, crates);
+    // A measure that arrives before its units is priced by the rounded price of the piece, twelvefold.
+    const double close = order == int(Arrives::UnitsFirst) ? 1e-9 : 1e-4;
+    ClientLine line{callers_->clerk, {.code = itemCode.constData(), .quantity = 0, .base = 0}};
+    const auto costs = [&](double expected, double tolerance) { return qAbs(line.unitPrice - expected) < tolerance; };
+    line.lookUp();
+    QVERIFY(costs(piece, 1e-9));
+    line.setQuantity(5);
+    line.setMeasure("B", 12, Arrives(order));
+    QVERIFY(costs(box, close));
+    line.setQuantity(6);
+    QVERIFY(costs(box, close));
+    line.setMeasure("K", 24, Arrives(order));
+    QVERIFY(costs(crates, close));
+    line.setMeasure("P", 1, Arrives(order));
+    QVERIFY(costs(piece, close));
+    line.setQuantity(7);
+    QVERIFY(costs(piece, close));
   }
 
   void saleDiscounts_data()
@@ -268,8 +293,8 @@ class PriceLookupTest : public QObject {
     row("circle of groups", {.code = "СТЪПКИ"}, 0, 8, 0);
     row("special price with a percent", {.code = "ОФЕРТА"}, 1, 5, 12.5);
     row("special price with VAT", {.code = "ОФЕРТА", .includesVat = 1}, 1, 5, 15);
-    row("special price of a box", {.code = "ОФЕРТА", .measure = "B", .quantity = 1, .base = 12}, 1, 0, 96);
-    row("special price of a crate", {.code = "ОФЕРТА", .measure = "K", .quantity = 1, .base = 24}, 1, 5, 300);
+    row("special price of a box", {.code = "ОФЕРТА", .measure = "B", .quantity = 1, .base = 12}, 1, 0, 8);
+    row("special price of a crate", {.code = "ОФЕРТА", .measure = "K", .quantity = 1, .base = 24}, 1, 5, 12.5);
     row("special price, no VAT set-up", {.code = "ОФЕРТА", .includesVat = 1, .busGroup = "V?"}, -3, 0, 0);
     row("group before everybody's offer", {.code = "ОФЕРТА", .contragent = "C2"}, 0, 5, 0);
     row("unknown code", {.code = "НЯМА"}, -1, 0, 0);
