@@ -4,44 +4,14 @@
 #include <cstdlib>
 
 #include "data/client_dataset.h"
-#include "registry/form_interfaces.h"
-#include "registry/windows/form_host.h"
+#include "filter_tour.h"
+#include "tour_steps.h"
 #include "tours.h"
 #include "widgets/db_grid.h"
 
 namespace kalvor {
 
 namespace {
-
-IBaseIntf* activeForm()
-{
-  return dynamic_cast<IBaseIntf*>(activeFormWidget());
-}
-
-TClientDataSet* activeMaster()
-{
-  IBaseIntf* form = activeForm();
-  return form ? form->GetCdsMaster() : nullptr;
-}
-
-bool activeFormIs(const char* className)
-{
-  const QWidget* form = activeFormWidget();
-  return form && !TourDriver::dialog() && QLatin1String(form->metaObject()->className()).endsWith(QLatin1String(className));
-}
-
-TourDriver::Condition formIs(const char* className)
-{
-  return [className] { return activeFormIs(className) && activeMaster() && activeMaster()->Active(); };
-}
-
-TourDriver::Condition dialogIs(const char* className)
-{
-  return [className] {
-    const QWidget* dialog = TourDriver::dialog();
-    return dialog && QLatin1String(dialog->metaObject()->className()).endsWith(QLatin1String(className));
-  };
-}
 
 void logIn(TourDriver& driver)
 {
@@ -67,7 +37,7 @@ void logIn(TourDriver& driver)
 }
 
 // Through the navigator, by the keyboard alone.
-void openForm(TourDriver& driver, const QString& caption, const char* className)
+void chooseInNavigator(TourDriver& driver, const QString& caption)
 {
   driver.step("navigator", {}, [&driver] { driver.key(Qt::Key_M, Qt::ControlModifier); });
   driver.step(QStringLiteral("choose ") + caption, [] { return qobject_cast<QTreeWidget*>(TourDriver::focus()); },
@@ -78,20 +48,23 @@ void openForm(TourDriver& driver, const QString& caption, const char* className)
                   driver.key(Qt::Key_Down);
                 driver.key(Qt::Key_Return);
               });
+}
+
+void openForm(TourDriver& driver, const QString& caption, const char* className)
+{
+  chooseInNavigator(driver, caption);
   driver.step(QStringLiteral("opened ") + caption, formIs(className), [] {});
 }
 
-// Moves the grid's current cell to a column, key by key.
-void gotoColumn(TourDriver& driver, const QString& field)
+// To the control of that name, by Tab alone.
+void tabTo(TourDriver& driver, const QString& control)
 {
-  driver.step(QStringLiteral("column ") + field,
-              [] { return qobject_cast<TDBGrid*>(TourDriver::focus()) != nullptr; },
-              [&driver, field] {
-                auto* grid = qobject_cast<TDBGrid*>(TourDriver::focus());
-                driver.key(Qt::Key_Home);
-                for (int i = 0; i < 60 && grid->selectedField() && grid->selectedField()->FieldName() != field; ++i)
-                  driver.key(Qt::Key_Right);
-              });
+  driver.step(QStringLiteral("to ") + control, {}, [&driver, control] {
+    for (int i = 0; i < 40 && TourDriver::focus()->objectName() != control; ++i)
+      driver.key(Qt::Key_Tab);
+  });
+  driver.expect(QStringLiteral("the focus is in ") + control,
+                [control] { return TourDriver::focus()->objectName() == control; });
 }
 
 void filterCurrentColumn(TourDriver& driver, const QString& criterion, const char* picture)
@@ -120,99 +93,95 @@ void changeQuantityAndSave(TourDriver& driver, const QString& quantity, const ch
   driver.picture(prefix + QStringLiteral("-saved"));
 }
 
-// Rows of the table filter: the list's filter is there, a date comes from the calendar.
-void composeTableFilter(TourDriver& driver)
+void openSettings(TourDriver& driver)
 {
-  driver.step("table filter", formIs("TfBrSaleInvoice"), [&driver] { driver.key(Qt::Key_F3, Qt::ControlModifier); });
-  driver.step("a further row", dialogIs("TfTableFilter"), [&driver] {
-    driver.key(Qt::Key_Down);
-    driver.type(QStringLiteral("дата"));
+  chooseInNavigator(driver, QStringLiteral("Настройки на клиента"));
+  driver.step("settings", windowIs("TfSettings"), [] {});
+}
+
+// Every page; grids, sizes and orders are kept from here on.
+void visitSettings(TourDriver& driver)
+{
+  openSettings(driver);
+  driver.picture("settings-connection");
+  const std::pair<Qt::Key, const char*> pages[] = {
+      {Qt::Key_2, "settings-devices"}, {Qt::Key_4, "settings-export"}, {Qt::Key_3, "settings-options"}};
+  for (const auto& [key, picture] : pages) {
+    driver.step(QLatin1String(picture), {}, [&driver, page = key] { driver.key(page, Qt::AltModifier); });
+    if (key != Qt::Key_3)
+      driver.picture(QLatin1String(picture));
+  }
+  for (const char* option : {"cbxSortOrder", "cbxGrids", "cbxFormSize"}) {
+    tabTo(driver, QLatin1String(option));
+    driver.step("check it", {}, [&driver] { driver.key(Qt::Key_Space); });
+  }
+  driver.picture("settings-options");
+  driver.step("keep the settings", windowIs("TfSettings"), [&driver] { driver.key(Qt::Key_Return); });
+  driver.expect("the settings are closed", [] { return !activeFormIs("TfSettings"); });
+}
+
+void visitPassword(TourDriver& driver)
+{
+  chooseInNavigator(driver, QStringLiteral("Смяна на парола"));
+  driver.step("password", windowIs("TfChangePass"), [&driver] {
+    driver.type(QStringLiteral("нова"));
     driver.key(Qt::Key_Tab);
-    driver.type(QStringLiteral(">="));
-    driver.key(Qt::Key_Tab);
-    driver.key(Qt::Key_Down, Qt::AltModifier);
+    driver.type(QStringLiteral("друга"));
   });
-  driver.picture("table-filter-calendar");
-  driver.step("a date", {}, [&driver] {
+  driver.picture("password");
+  driver.step("try it", {}, [&driver] { driver.key(Qt::Key_Return); });
+  driver.step("the passwords differ", dialogIs("QMessageBox"), [] {});
+  driver.picture("password-refused");
+  driver.step("close the message", dialogIs("QMessageBox"), [&driver] { driver.key(Qt::Key_Return); });
+  driver.step("leave", windowIs("TfChangePass"), [&driver] { driver.key(Qt::Key_Escape); });
+}
+
+// Two fixed columns, one column less; then the list is scrolled under the fixed ones.
+void arrangeColumns(TourDriver& driver, const char* className)
+{
+  driver.step("columns", formIs(className), [&driver] { driver.key(Qt::Key_K, Qt::ControlModifier); });
+  driver.step("hide a column", dialogIs("TfColumnsProps"), [&driver] {
+    driver.key(Qt::Key_Down);
+    driver.key(Qt::Key_Space);
+  });
+  tabTo(driver, QStringLiteral("speFixed"));
+  driver.step("fix two", {}, [&driver] {
     driver.key(Qt::Key_Up);
-    driver.key(Qt::Key_Return);
-    driver.key(Qt::Key_Down);
+    driver.key(Qt::Key_Up);
+  });
+  driver.picture("columns");
+  driver.step("keep the columns", dialogIs("TfColumnsProps"), [&driver] { driver.key(Qt::Key_Return); });
+  const auto inGrid = [] { return !TourDriver::dialog() && qobject_cast<TDBGrid*>(TourDriver::focus()); };
+  driver.step("to the last column", inGrid, [&driver] {
+    for (int i = 0; i < 12; ++i)
+      driver.key(Qt::Key_Right);
+  });
+  driver.picture("fixed-columns");
+  driver.step("back", formIs(className), [&driver] { driver.key(Qt::Key_Home); });
+}
+
+void visitStoredSettings(TourDriver& driver)
+{
+  openSettings(driver);
+  driver.step("options", {}, [&driver] { driver.key(Qt::Key_3, Qt::AltModifier); });
+  tabTo(driver, QStringLiteral("btnGrids"));
+  driver.step("which forms", {}, [&driver] { driver.key(Qt::Key_Space); });
+  driver.step("choose", dialogIs("TfSelectForm"), [&driver] { driver.key(Qt::Key_Space); });
+  driver.picture("stored-settings");
+  driver.step("leave the choice", dialogIs("TfSelectForm"), [&driver] { driver.key(Qt::Key_Escape); });
+  driver.step("leave the settings", windowIs("TfSettings"), [&driver] { driver.key(Qt::Key_Escape); });
+}
+
+void visitCalendar(TourDriver& driver)
+{
+  driver.step("to a date", formIs("TfEdSaleInvoice"), [&driver] {
+    for (int i = 0; i < 60 && !TourDriver::focus()->inherits("kalvor::TDBDateEdit"); ++i)
+      driver.key(Qt::Key_Tab);
     driver.key(Qt::Key_Down, Qt::AltModifier);
   });
-  driver.picture("table-filter-fields");
-  driver.step("close the list", {}, [&driver] { driver.key(Qt::Key_Escape); });
-  driver.step("end the edit", dialogIs("TfTableFilter"), [&driver] { driver.key(Qt::Key_Escape); });
-  driver.step("give up", dialogIs("TfTableFilter"), [&driver] { driver.key(Qt::Key_Escape); });
-}
-
-void chooseInTableFilter(TourDriver& driver)
-{
-  driver.step("table filter", formIs("TfEdSaleInvoice"), [&driver] { driver.key(Qt::Key_F3, Qt::ControlModifier); });
-  driver.step("a contractor", dialogIs("TfTableFilter"), [&driver] {
-    driver.type(QStringLiteral("код на к"));
-    driver.key(Qt::Key_Tab);
-    driver.key(Qt::Key_Tab);
-    driver.key(Qt::Key_F4);
-  });
-  driver.picture("table-filter-lookup");
-  driver.step("choose", {}, [&driver] { driver.key(Qt::Key_Return); });
-  driver.picture("table-filter-chosen");
-  driver.step("give up", dialogIs("TfTableFilter"), [&driver] { driver.key(Qt::Key_Escape); });
-}
-
-void applyTableFilter(TourDriver& driver)
-{
-  driver.step("table filter", formIs("TfBrContragent"), [&driver] { driver.key(Qt::Key_F3, Qt::ControlModifier); });
-  driver.step("two rows", dialogIs("TfTableFilter"), [&driver] {
-    driver.type(QStringLiteral("наим"));
-    driver.key(Qt::Key_Tab);
-    driver.type(QStringLiteral("с"));
-    driver.key(Qt::Key_Tab);
-    driver.type(QStringLiteral("*ООД"));
-    driver.key(Qt::Key_Down);
-    driver.type(QStringLiteral("неак"));
-    driver.key(Qt::Key_Tab);
-    driver.key(Qt::Key_Tab);
-    driver.type(QStringLiteral("н"));
-  });
-  driver.picture("table-filter");
-  driver.step("apply", dialogIs("TfTableFilter"), [&driver] {
-    driver.key(Qt::Key_Return);
-    driver.key(Qt::Key_Return);
-  });
-  driver.expect("only companies are left", [] {
-    TClientDataSet* master = activeMaster();
-    return master && !TourDriver::dialog() && !master->IsEmpty() &&
-           master->FieldByName(u"Name")->AsString().endsWith(QStringLiteral("ООД"));
-  });
-  driver.picture("table-filtered");
-}
-
-void sortAndSearch(TourDriver& driver)
-{
-  driver.step("sort", formIs("TfBrContragent"), [&driver] { driver.key(Qt::Key_F5, Qt::ShiftModifier); });
-  driver.step("choose fields", dialogIs("TfSort"), [&driver] {
-    driver.type(QStringLiteral("град"));
-    driver.key(Qt::Key_Space);
-    driver.type(QStringLiteral("наим"));
-    driver.key(Qt::Key_Space);
-    driver.key(Qt::Key_S, Qt::AltModifier);
-    driver.key(Qt::Key_Tab);
-  });
-  driver.picture("sort");
-  driver.step("apply", dialogIs("TfSort"), [&driver] {
-    driver.key(Qt::Key_Return);
-    driver.key(Qt::Key_Return);
-  });
-  driver.picture("sorted");
-  gotoColumn(driver, "Name");
-  driver.step("search", formIs("TfBrContragent"), [&driver] { driver.key(Qt::Key_F, Qt::ControlModifier); });
-  driver.step("text", [] { return TourDriver::visibleWidget(QStringLiteral("TfSearch")) != nullptr; }, [&driver] {
-    driver.type(QStringLiteral("ви"));
-    driver.key(Qt::Key_Return);
-  });
-  driver.picture("search");
-  driver.step("close the search", {}, [&driver] { driver.key(Qt::Key_Escape); });
+  driver.step("calendar", [] { return QApplication::activePopupWidget() != nullptr; }, [] {});
+  driver.picture("calendar");
+  driver.step("leave the calendar", {}, [&driver] { driver.key(Qt::Key_Escape); });
 }
 
 }  // namespace
@@ -229,8 +198,11 @@ void addDemoTour(TourDriver& driver)
 {
   logIn(driver);
   driver.picture("main-window");
+  visitSettings(driver);
+  visitPassword(driver);
   openForm(driver, QStringLiteral("Фактури за продажба"), "TfBrSaleInvoice");
   driver.picture("sales-list");
+  arrangeColumns(driver, "TfBrSaleInvoice");
   gotoColumn(driver, "N_Contragent_Name");
   filterCurrentColumn(driver, QStringLiteral("ЕООД"), "typed-filter");
   driver.expect("the filter is on", [] { return activeMaster() && !activeMaster()->IsEmpty() && !TourDriver::dialog(); });
@@ -240,6 +212,7 @@ void addDemoTour(TourDriver& driver)
   driver.step("invoice", formIs("TfEdSaleInvoice"), [] {});
   driver.picture("invoice");
   chooseInTableFilter(driver);
+  visitCalendar(driver);
   changeQuantityAndSave(driver, "7", "invoice");
   driver.step("close the card", formIs("TfEdSaleInvoice"), [&driver] { driver.key(Qt::Key_W, Qt::ControlModifier); });
   openForm(driver, QStringLiteral("Контрагенти"), "TfBrContragent");
@@ -254,6 +227,7 @@ void addDemoTour(TourDriver& driver)
   driver.step("open the item", formIs("TfBrItem"), [&driver] { driver.key(Qt::Key_Return, Qt::ControlModifier); });
   driver.step("item", formIs("TfEdItem"), [] {});
   driver.picture("item");
+  visitStoredSettings(driver);
 }
 
 void addRetailTour(TourDriver& driver)

@@ -54,11 +54,12 @@ void TourDriver::poll()
   // What a window manager does when a dialog closes; it takes a turn of the event loop.
   bool activating = false;
   if (!QApplication::activeWindow() && !dialog())
-    for (QWidget* window : QApplication::topLevelWidgets())
-      if (window->isVisible() && window->windowType() == Qt::Window) {
-        window->activateWindow();
-        activating = !QApplication::activeWindow();
-      }
+    for (const Qt::WindowType type : {Qt::Window, Qt::Dialog})
+      for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->windowType() == type) {
+          window->activateWindow();
+          activating = !QApplication::activeWindow();
+        }
   if (activating || (steps_.front().ready && !steps_.front().ready())) {
     waitedMs_ += pollMs;
     if (waitedMs_ > patienceMs) {
@@ -110,13 +111,15 @@ void TourDriver::savePicture(const QString& name)
     QPoint at = window->frameGeometry().topLeft();
     if (window->windowType() == Qt::Popup)
       at += popupsBy;
-    if (window->isModal() || windows.size() == 1)
+    const bool dialogWindow = window->isModal() || window->windowType() == Qt::Dialog;
+    const bool placedByItself = !window->isModal() && window->testAttribute(Qt::WA_Moved);
+    if ((dialogWindow && !placedByItself) || windows.size() == 1)
       at = QPoint((screenSize.width() - window->width()) / 2, (screenSize.height() - window->height()) / 2);
     if (window->size() == screenSize || window->width() > screenSize.width() - 40)
       at = QPoint(0, 0);
     if (window->isModal())
       popupsBy = at - window->frameGeometry().topLeft();
-    if (window->windowType() == Qt::Dialog && !window->windowTitle().isEmpty()) {
+    if (dialogWindow && !window->windowTitle().isEmpty()) {
       const QRect title(at.x() - 1, at.y() - 26, window->width() + 2, 26);
       painter.fillRect(title.adjusted(0, 0, 0, window->height() + 1), QColor(0x2f, 0x3b, 0x47));
       painter.setPen(Qt::white);

@@ -3,8 +3,11 @@
 
 #include "forms/windows/base_browse.h"
 #include "forms/windows/base_edit.h"
+#include "sale_document_rules.h"
 
 namespace kalvor {
+
+class VatSummary;
 
 class TfBrSaleInvoice : public TfBaseBrowseCard {
   Q_OBJECT
@@ -15,16 +18,19 @@ class TfBrSaleInvoice : public TfBaseBrowseCard {
 class TfEdSaleInvoice : public TfBaseEditMasterDetail {
   Q_OBJECT
  public:
-  using TfBaseEditMasterDetail::TfBaseEditMasterDetail;
+  explicit TfEdSaleInvoice(QWidget* parent = nullptr);
+  ~TfEdSaleInvoice() override;
 
   void AttachDynamicEvents(TClientDataSet* dataSet) override;
+  void buildLayout() override;
+
+ protected:
+  void choicePut(TClientDataSet* dataSet) override;
 
  private:
-  void attachLineRules();
-  void updateDocumentTotals();
-
-  bool guard_ = false;  // the line rules' own, see business/sale_line_amounts.h
-  bool lineRulesAttached_ = false;
+  void payInCash();
+  SaleDocumentRules rules_;
+  VatSummary* vatSummary_;
 };
 
 }  // namespace kalvor

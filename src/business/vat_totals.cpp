@@ -1,6 +1,6 @@
 #include "business/vat_totals.h"
 
-#include "business/rounding.h"
+#include "common/rounding.h"
 
 namespace kalvor {
 

@@ -11,6 +11,11 @@ namespace kalvor {
 inline const QString _err_NoCorectLoginData =
     QStringLiteral("Грешка при извличане на данни!\r\nМоля, проверете коректността на въведените данни!");
 
+inline const QString _inf_ServerFound = QStringLiteral("Установена е връзка със сървъра");
+inline const QString _inf_ServerNotFound = QStringLiteral("Не е установена връзка със сървъра");
+inline const QString _err_PassDif = QStringLiteral("Невалидна стойност за поле \"Нова парола (проверка)\".");
+inline const QString _err_ChangePass = QStringLiteral("Грешка при опит за промяна на парола!");
+
 // --- Filters ----------------------------------------------------------------------------------------------
 inline const QString _err_NotValidDate = QStringLiteral("Грешно въведена дата ");
 inline const QString _err_NotIntegerValue = QStringLiteral("Въведената стойност трябва да е целочислена");

@@ -297,12 +297,6 @@ void SelectorFields::goToLookupRecord(TClientDataSet* dataSet)
 
 namespace {
 
-struct ChosenValue {
-  TField* field;
-  Variant value;
-  Variant before;
-};
-
 // One value a target; of several records the texts, joined with "|".
 Variant chosenValue(const TSelectionList& selection, qsizetype position)
 {
@@ -313,13 +307,6 @@ Variant chosenValue(const TSelectionList& selection, qsizetype position)
     if (position < line.size())
       texts.append(variantText(line.at(position).Value));
   return texts.join(u'|');
-}
-
-void putBack(const QList<ChosenValue>& values, qsizetype count)
-{
-  for (qsizetype i = count - 1; i >= 0; --i)
-    if (values[i].field->DataSet()->IsEditing())
-      setFieldAnyway(values[i].field, values[i].before);
 }
 
 }  // namespace
@@ -344,12 +331,22 @@ void SelectorFields::putChosen(const TSelectionList& selection)
     return std::ranges::any_of(dependants_, [&](const auto& entry) { return entry.Field == value.field; });
   };
   std::stable_partition(values.begin(), values.end(), decides);
+  putValues(values);
+  if (!values.isEmpty() && choicePut)
+    choicePut(values.first().field->DataSet());
+}
+
+void SelectorFields::putValues(const QList<ChosenValue>& values)
+{
+  const QScopedValueRollback<int> putting(putting_, putting_ + 1);
   qsizetype done = 0;
   try {
     for (; done < values.size(); ++done)
       setFieldAnyway(values[done].field, values[done].value);
   } catch (...) {
-    putBack(values, done);
+    for (qsizetype i = done - 1; i >= 0; --i)
+      if (values[i].field->DataSet()->IsEditing())
+        setFieldAnyway(values[i].field, values[i].before);
     throw;
   }
 }

@@ -54,6 +54,7 @@ class KALVOR_RULES SelectorFields {
   // Puts the chosen values into the record for which the lookup was opened: all of them or, with what the field throws,
   // none. Selectors do not run meanwhile.
   void putChosen(const TSelectionList& selection);
+  bool isPuttingChoice() const { return putting_ > 0; }
 
   // Changes are passed on to the fields' own handlers and run no selector while one lives.
   class Hold {
@@ -69,6 +70,7 @@ class KALVOR_RULES SelectorFields {
 
   std::function<bool()> defaultsInProgress;        // true: as if held, and nothing is reset either
   std::function<void(TField*)> choiceRefused;      // the user is to be brought back to the field
+  std::function<void(TClientDataSet*)> choicePut;  // all values of a choice are in the record; selectors are quiet still
 
  private:
   struct Entry;
@@ -76,6 +78,12 @@ class KALVOR_RULES SelectorFields {
   struct LookupRecord {
     QPointer<TClientDataSet> dataSet;
     Bookmark bookmark = noBookmark;
+  };
+
+  struct ChosenValue {
+    TField* field;
+    Variant value;
+    Variant before;
   };
 
   Entry* entryOf(const TField* field) const;
@@ -88,6 +96,7 @@ class KALVOR_RULES SelectorFields {
   void refuse(Entry& entry, TField* field, const Variant& previous);
   bool quiet() const { return held_ > 0 || (defaultsInProgress && defaultsInProgress()); }
   void goToLookupRecord(TClientDataSet* dataSet);
+  void putValues(const QList<ChosenValue>& values);
 
   QObject* owner_;
   std::vector<std::unique_ptr<Entry>> entries_;
@@ -95,6 +104,7 @@ class KALVOR_RULES SelectorFields {
   LookupRecord lookup_;
   int held_ = 0;
   int searching_ = 0;
+  int putting_ = 0;
 };
 
 }  // namespace kalvor

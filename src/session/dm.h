@@ -9,6 +9,7 @@
 #include "data/client_dataset.h"
 #include "rpc/connection.h"
 #include "session/host_application.h"
+#include "session/item_params.h"
 #include "session/local_data.h"
 
 namespace kalvor {
@@ -83,6 +84,17 @@ class KALVOR_RULES TDM : public QObject {
   // A dataset of the session on a new provider, readied with the form's stored query and opened when asked.
   // Null on any error.
   TClientDataSet* CreateCDS(int formId, const FilterArray& filter, bool open);
+
+  // --- Prices and rates ---------------------------------------------------------------------------------
+  // Price and discount of a document line. The request, by position: 0 what (0 both, 1 price, 2 discount), 1 side
+  // (0 purchase, 1 sale), 2 contractor, 3 item code, 4 measure, 5 currency, 6 VAT business group, 7 prices include VAT,
+  // 8 sub-type code, 9 quantity, 10 date, 11 base quantity, 12 VAT product group, 13 currency factor, 14 line type.
+  // Price and discount start at 0; the flag changes only with a sale price, and only with the flag set to 1 a sale
+  // asks for its discount too. 0 after the look-up, whatever it found; -1 after an error, which is logged, and what
+  // was stored before it stays.
+  int GetItemPriceAndDiscount(const Variant& request, TItemParams& params);
+  // Local currency for one unit of the currency on that day; 0 when there is no rate or the server cannot say.
+  double GetCurrencyRate(const QString& currency, QDate date, int kind);
 
   // --- Command line -------------------------------------------------------------------------------------
   int ProccessAplicationParams();

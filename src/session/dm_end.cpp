@@ -1,4 +1,5 @@
 // What the session gives back to the server when it ends.
+#include "common/threads.h"
 #include "platform/ports.h"
 #include "session/dm.h"
 #include "session/error_log.h"
@@ -58,6 +59,7 @@ void TDM::DataModuleDestroy()
     return;
   destroyed_ = true;
   FormList.reset();
+  TExecuteScriptTread::finishScripts();
   UserSettings.reset();
   loggingErrors(QStringLiteral("TDM.DataModuleDestroy"), [&] {
     if (!cdsUserSettings.Active() || cdsUserSettings.ChangeCount() == 0 || !cdsUserSettings.GetDelta())

@@ -1,9 +1,10 @@
 // Rounding, line amounts and document VAT.
-#include <QTest>
+#include "several_tests.h"
 
-#include "business/rounding.h"
 #include "business/sale_line_amounts.h"
+#include "business/sale_line_changes.h"
 #include "business/vat_totals.h"
+#include "common/rounding.h"
 #include "session/local_data.h"
 
 using namespace kalvor;
@@ -94,7 +95,7 @@ class SaleAmountsTest : public QObject {
                               {u"UnitCost_ACY", 7.0}, {u"UnitCost_LCY", 7.0}}));
     line.Edit();
     bool guard = false;
-    recalculateSaleLine(&header, &line, guard);
+    SrvSaleQuantityOnChange(&header, &line, guard, false, false);
     QVERIFY(!guard);
     const auto value = [&](const char16_t* name) { return line.FieldByName(QStringView(name))->AsFloat(); };
     QCOMPARE(value(u"Quantity_Base"), c.quantity);
@@ -145,5 +146,5 @@ class SaleAmountsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(SaleAmountsTest)
+static kalvor::testing::RegisterTest<SaleAmountsTest> registered;
 #include "sale_amounts_test.moc"

@@ -205,6 +205,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void SetEditControlsReadOnly();
   void SetPageControlCaptions();
   void reopenMaster();                      // after a new request: closes, forgets the metadata, opens
+  bool isFillingDefaults() const;           // a new record takes its default values
+  bool isPuttingChoice() const;             // a lookup's choice goes into the record, value by value
 
  signals:
   void formClosed();
@@ -230,6 +232,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void adoptOpenedForm(QWidget* form);
   // The datasets' events; each ends with the handler that the form displaced.
   virtual void CDS_OnNewRecord(TClientDataSet* dataSet);
+  // A lookup's choice is in the record, all its values; meanwhile isPuttingChoice() was true.
+  virtual void choicePut(TClientDataSet* dataSet);
   virtual void CDS_OnStateChange(TClientDataSet* dataSet);
   virtual void CDS_BeforeEdit(TClientDataSet* dataSet);
   virtual void CDS_BeforeInsert(TClientDataSet* dataSet);
@@ -246,6 +250,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
                          TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
   void bindActions();
+  void bindGridActions();
+  void acColumnsPropsExecute();
   void hookFields(TCDSOptions& entry);
   void hookDataSet(TClientDataSet* dataSet);
   void openWithDescription();

@@ -49,6 +49,7 @@ void TfBase::bindActions()
   }
   setActionHandler(QStringLiteral("acFind"), [this] { FindDialogExecute(QString()); });
   setActionHandler(QStringLiteral("acClose"), [this] { windowOf(this)->close(); });
+  bindGridActions();
 }
 
 QAction* TfBase::action(const QString& name) const
@@ -181,8 +182,6 @@ void TfBase::BuildRaveFilter() {}
 void TfBase::ProcessCopyData() {}
 void TfBase::GetPrintDocument() {}
 void TfBase::ImportData() {}
-void TfBase::DoSaveGridView(TDBGrid*) {}
-void TfBase::DoLoadGridView(TDBGrid*) {}
 void TfBase::DoRecalcDocument() {}
 void TfBase::ApplyDataModificationColors() {}
 void TfBase::ApplyReadOnlyColors() {}

@@ -22,8 +22,6 @@ namespace kalvor {
 
 namespace {
 
-constexpr int cascadeDown = 29;
-constexpr int cascadeRight = 22;
 constexpr int largestWidth = 1280;  // what a window opens with fits a screen of 1366 x 768
 constexpr int largestHeight = 600;
 
@@ -152,20 +150,6 @@ int TfBase::showModally()
   return d->modalResult;
 }
 
-namespace {
-
-// A child window that would stick out of the area is made smaller, and moved in where that is not enough.
-void fitIntoArea(QMdiSubWindow* sub)
-{
-  const QSize space = sub->mdiArea()->viewport()->size();
-  const QSize room(space.width() - sub->x(), space.height() - sub->y());
-  sub->resize(sub->size().boundedTo(room).expandedTo(sub->minimumSizeHint()).boundedTo(space));
-  sub->move(qMax(0, qMin(sub->x(), space.width() - sub->width())),
-            qMax(0, qMin(sub->y(), space.height() - sub->height())));
-}
-
-}  // namespace
-
 void TfBase::showAsChild()
 {
   adoptChildWindow(this);
@@ -177,8 +161,7 @@ void TfBase::showAsChild()
     connect(sub->mdiArea(), &QMdiArea::subWindowActivated, this, [this, sub](QMdiSubWindow* active) {
       active == sub ? FormActivate() : FormDeactivate();
     });
-    const auto children = int(sub->mdiArea()->subWindowList().size());
-    sub->move((children - 1) * cascadeRight, (children - 1) * cascadeDown);
+    cascadeChildWindow(sub);
   }
   if (d->tableFilterShown) {
     askForFilter();
@@ -193,8 +176,8 @@ void TfBase::showWindow()
   show();
   window->show();
   auto* sub = qobject_cast<QMdiSubWindow*>(window);
-  if (sub && !sub->isMaximized())
-    fitIntoArea(sub);
+  if (sub)
+    fitChildWindow(sub);
   focusFirstControl();
 }
 

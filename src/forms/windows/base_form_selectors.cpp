@@ -46,6 +46,7 @@ DataControl* refusedControl(const QWidget* form, const TField* field)
 void TfBase::bindSelectors()
 {
   d->selectors.defaultsInProgress = [this] { return d->parsingDefaults > 0; };
+  d->selectors.choicePut = [this](TClientDataSet* dataSet) { choicePut(dataSet); };
   d->selectors.choiceRefused = [this](TField* field) {
     QTimer::singleShot(0, this, [this, dataSet = QPointer<TClientDataSet>(field->DataSet()), name = field->FieldName()] {
       if (dataSet) {
@@ -54,6 +55,10 @@ void TfBase::bindSelectors()
     });
   };
 }
+
+bool TfBase::isFillingDefaults() const { return d->parsingDefaults > 0; }
+bool TfBase::isPuttingChoice() const { return d->selectors.isPuttingChoice(); }
+void TfBase::choicePut(TClientDataSet*) {}
 
 // --- Selectors of fields ---------------------------------------------------------------------------------------
 
