@@ -112,6 +112,8 @@ void TDBGridEx::updateGeometries()
   {
     const QSignalBlocker quiet(bar);
     TDBGrid::updateGeometries();
+    bar->setRange(0, before);
+    bar->setValue(value);
   }
   const int height = footer_->sizeHint().height();
   QMargins margins = viewportMargins();
@@ -123,11 +125,6 @@ void TDBGridEx::updateGeometries()
   rowHeader.setHeight(view.height());
   verticalHeader()->setGeometry(rowHeader);
   const int fitting = qMax(1, view.height() / qMax(1, verticalHeader()->defaultSectionSize()));
-  {
-    const QSignalBlocker quiet(bar);
-    bar->setRange(0, before);
-    bar->setValue(value);
-  }
   bar->setRange(0, qMax(0, model()->rowCount() - fitting));
   bar->setPageStep(fitting);
 }
