@@ -276,6 +276,11 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void backToField(TClientDataSet* dataSet, const QString& fieldName);
   void backFromLookup();
   void acFieldFilterExecute();
+  void acTableFilterExecute();
+  void acSortExecute();
+  void openTableFilter(const FilterArray& startFilter);
+  void askForFilter();
+  void showWindow();
   void acCopyNewExecute();
   void acExportExecute();
   void titleClicked(TDBGrid* grid, TField* field);

@@ -3,7 +3,10 @@
 #include <QCloseEvent>
 #include <QLayout>
 #include <QMdiSubWindow>
+#include <QTimer>
 
+#include "filters/windows/search_dialog.h"
+#include "filters/windows/table_filter.h"
 #include "forms/form_filters.h"
 #include "forms/messages.h"
 #include "forms/windows/base_form_private.h"
@@ -71,10 +74,8 @@ void TfBase::openWithDescription()
   takeDefaultFilter(description.FormFilter);
   d->hasFilter = !d->formFilter.isEmpty();
   d->callerFilter = callerWithSecurityFilter(d->callerFilter, securityFilter());
-  if (!d->tableFilterShown) {
-    openMaster();
-    SetFormCaption(d->caption, d->captionFields);
-  }
+  openMaster();
+  SetFormCaption(d->caption, d->captionFields);
 }
 
 void TfBase::openMaster()
@@ -141,6 +142,9 @@ int TfBase::showModally()
 {
   d->modal = true;
   ModalFormDialog dialog(this, QApplication::activeWindow());
+  if (d->tableFilterShown) {
+    QTimer::singleShot(0, this, [this] { askForFilter(); });
+  }
   dialog.exec();
   deleteLater();
   return d->modalResult;
@@ -159,13 +163,22 @@ void TfBase::showAsChild()
     });
     cascadeChildWindow(sub);
   }
-  if (!d->tableFilterShown && !d->options.testFlag(so_DoNotShow)) {
-    show();
-    window->show();
-    if (sub)
-      fitChildWindow(sub);
-    focusFirstControl();
+  if (d->tableFilterShown) {
+    askForFilter();
+  } else if (!d->options.testFlag(so_DoNotShow)) {
+    showWindow();
   }
+}
+
+void TfBase::showWindow()
+{
+  QWidget* window = windowOf(this);
+  show();
+  window->show();
+  auto* sub = qobject_cast<QMdiSubWindow*>(window);
+  if (sub && !sub->isMaximized())
+    fitIntoArea(sub);
+  focusFirstControl();
 }
 
 void TfBase::closeWith(int modalResult)
@@ -217,6 +230,12 @@ bool TfBase::closeOpenedForms()
 void TfBase::FormClose()
 {
   d->stage = Private::Stage::Closed;
+  // They hold the form that is about to go.
+  for (QDialog* dialog : {static_cast<QDialog*>(d->tableFilter), static_cast<QDialog*>(d->search)}) {
+    if (dialog) {
+      dialog->reject();
+    }
+  }
   runGuarded(QStringLiteral("TfBase.FormClose"), [this] { SaveFormSetings(); });
   if (IMainFormIntf* main = mainForm()) {
     main->FormClosed(QString());

@@ -13,6 +13,9 @@
 
 namespace kalvor {
 
+class TfSearch;
+class TfTableFilter;
+
 struct TfBase::Private {
   explicit Private(TfBase* form);
 
@@ -47,6 +50,9 @@ struct TfBase::Private {
   QHash<const TClientDataSet*, QStringList> seriesFields;
   QMenu* gridMenu = nullptr;
   QString caption, captionFields;             // of the form's description
+  FilterArray askedFilter;                    // what the table filter editor starts with while the form opens
+  QPointer<TfTableFilter> tableFilter;        // while the editor is open
+  QPointer<TfSearch> search;
   bool openEmpty = false;                     // the default filter waits for the user's part of it
   bool laidOut = false;
   bool sizeFromSettings = false;

@@ -16,7 +16,7 @@ namespace kalvor {
 namespace {
 
 constexpr int formIdRole = Qt::UserRole;
-constexpr QSize listSize(340, 300);
+constexpr QSize formListSize(340, 300);
 
 // Sorts as the user reads, not by code points.
 struct CaptionItem : QListWidgetItem {
@@ -46,7 +46,7 @@ void TfSelectForm::build()
   auto* group = new QGroupBox(QStringLiteral("Избор на форми "));
   clbForms->setObjectName(QStringLiteral("clbForms"));
   clbForms->setAccessibleName(QStringLiteral("Избор на форми"));
-  clbForms->setMinimumSize(listSize);
+  clbForms->setMinimumSize(formListSize);
   auto* checks = new QHBoxLayout;
   checks->setSpacing(spacing::normal);
   auto* inside = new QVBoxLayout(group);

@@ -8,7 +8,7 @@
 namespace kalvor {
 namespace {
 
-QStringList itemsOf(const QComboBox* box)
+QStringList boxItems(const QComboBox* box)
 {
   QStringList items;
   for (int i = 0; i < box->count(); ++i)
@@ -17,7 +17,7 @@ QStringList itemsOf(const QComboBox* box)
 }
 
 // The toolkit selects the first item that comes into an empty box.
-void showText(QComboBox* box, const QString& text)
+void showBoxText(QComboBox* box, const QString& text)
 {
   box->setCurrentIndex(box->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive));
   if (box->isEditable())
@@ -30,18 +30,18 @@ void GetCbHistoryItemsFromIni(const QStringList& list, const QString& value, con
 {
   const QSignalBlocker quiet(box);
   box->addItems(historyFromLines(list, key));
-  showText(box, value);
+  showBoxText(box, value);
 }
 
 void SaveCbHistoryItemsToIni(const QString& key, QComboBox* box, QStringList& list)
 {
   const QSignalBlocker quiet(box);
   const QString text = box->currentText();
-  const QStringList items = historyWith(itemsOf(box), text);
+  const QStringList items = historyWith(boxItems(box), text);
   list.append(historyLines(key, items));
   box->clear();
   box->addItems(items);
-  showText(box, text);
+  showBoxText(box, text);
 }
 
 }  // namespace kalvor

@@ -24,7 +24,7 @@ constexpr int settingsBoxWidth = 300;
 constexpr int numberBoxWidth = 90;
 
 template <class Control>
-Control* named(Control* control, const char* name)
+Control* namedControl(Control* control, const char* name)
 {
   control->setObjectName(QLatin1String(name));
   return control;
@@ -33,12 +33,12 @@ Control* named(Control* control, const char* name)
 template <class Button>
 Button* captioned(const char16_t* text, const char* name)
 {
-  return named(new Button(QString::fromUtf16(text)), name);
+  return namedControl(new Button(QString::fromUtf16(text)), name);
 }
 
 QSpinBox* numberBox(int least, int most, const char* name)
 {
-  auto* box = named(new QSpinBox, name);
+  auto* box = namedControl(new QSpinBox, name);
   box->setRange(least, most);
   box->setFixedWidth(numberBoxWidth);
   return box;
@@ -47,7 +47,7 @@ QSpinBox* numberBox(int least, int most, const char* name)
 // What is typed stays as typed: earlier texts are offered in the list alone.
 QComboBox* historyBox(const char* name)
 {
-  auto* box = named(new QComboBox, name);
+  auto* box = namedControl(new QComboBox, name);
   box->setEditable(true);
   box->setInsertPolicy(QComboBox::NoInsert);
   box->setCompleter(nullptr);
@@ -65,7 +65,7 @@ QFormLayout* labelledFields()
   return fields;
 }
 
-void addField(QFormLayout* fields, const char16_t* text, QWidget* field)
+void addLabelled(QFormLayout* fields, const char16_t* text, QWidget* field)
 {
   field->setAccessibleName(QString::fromUtf16(text));
   fields->addRow(QString::fromUtf16(text), field);
@@ -81,7 +81,7 @@ QHBoxLayout* sideBySide(std::initializer_list<QWidget*> widgets)
   return row;
 }
 
-QVBoxLayout* columnOf(QWidget* page)
+QVBoxLayout* pageColumn(QWidget* page)
 {
   auto* column = new QVBoxLayout(page);
   column->setContentsMargins(spacing::wide, spacing::wide, spacing::wide, spacing::wide);
@@ -96,11 +96,11 @@ void TfSettings::build()
   setObjectName(QStringLiteral("fSettings"));
   setWindowTitle(QStringLiteral("Настройки"));
   setWindowIcon(icon(QStringLiteral("configure")));
-  pcSettings = named(new QTabWidget, "pcSettings");
-  tsConnection = named(buildConnection(), "tsConnection");
-  tsDevices = named(buildDevices(), "tsDevices");
-  tsOptions = named(buildOptions(), "tsOptions");
-  tsExport = named(buildExport(), "tsExport");
+  pcSettings = namedControl(new QTabWidget, "pcSettings");
+  tsConnection = namedControl(buildConnection(), "tsConnection");
+  tsDevices = namedControl(buildDevices(), "tsDevices");
+  tsOptions = namedControl(buildOptions(), "tsOptions");
+  tsExport = namedControl(buildExport(), "tsExport");
   const std::pair<QWidget*, const char16_t*> pages[] = {
       {tsConnection, u"Връзка"}, {tsDevices, u"Устройства"}, {tsOptions, u"Опции"}, {tsExport, u"Export към TXT"}};
   for (const auto& [page, title] : pages) {
@@ -140,10 +140,10 @@ QWidget* TfSettings::buildConnection()
   btnTest = captioned<QPushButton>(u"Тест", "btnTest");
   connect(btnTest, &QPushButton::clicked, this, &TfSettings::btnTestClick);
   auto* page = new QWidget;
-  auto* column = columnOf(page);
+  auto* column = pageColumn(page);
   auto* fields = labelledFields();
-  addField(fields, u"Адрес:", cbxAddress);
-  addField(fields, u"Порт:", ebxPort);
+  addLabelled(fields, u"Адрес:", cbxAddress);
+  addLabelled(fields, u"Порт:", ebxPort);
   fields->addRow(QString(), btnTest);
   column->addLayout(fields);
   column->addStretch();
@@ -153,7 +153,7 @@ QWidget* TfSettings::buildConnection()
 QWidget* TfSettings::buildDevices()
 {
   cbxPrn = historyBox("cbxPrn");
-  auto* printers = named(new DropDownBox, "cbxFiscalPrinter");
+  auto* printers = namedControl(new DropDownBox, "cbxFiscalPrinter");
   cbxFiscalPrinter = printers;
   printers->setMinimumWidth(settingsBoxWidth);
   printers->aboutToDrop = [this] { cbxFiscalPrinterDropDown(); };
@@ -162,18 +162,18 @@ QWidget* TfSettings::buildDevices()
   btnFiscalPrinterReport = captioned<QPushButton>(u"Отчети", "btnFiscalPrinterReport");
   connect(btnFiscalSettings, &QPushButton::clicked, this, &TfSettings::btnFiscalSettingsClick);
   connect(btnFiscalPrinterReport, &QPushButton::clicked, this, &TfSettings::btnFiscalPrinterReportClick);
-  ebxBarcodeStart = named(new QLineEdit, "ebxBarcodeStart");
+  ebxBarcodeStart = namedControl(new QLineEdit, "ebxBarcodeStart");
   ebxBarcodeStart->setFixedWidth(numberBoxWidth);
   ebxMeasureBarcode = numberBox(0, 100, "ebxMeasureBarcode");
 
   auto* page = new QWidget;
-  auto* column = columnOf(page);
+  auto* column = pageColumn(page);
   auto* fields = labelledFields();
-  addField(fields, u"Текстови печат:", cbxPrn);
-  addField(fields, u"Фискален принтер:", cbxFiscalPrinter);
+  addLabelled(fields, u"Текстови печат:", cbxPrn);
+  addLabelled(fields, u"Фискален принтер:", cbxFiscalPrinter);
   fields->addRow(QString(), sideBySide({btnFiscalSettings, btnFiscalPrinterReport}));
-  addField(fields, u"Начален символ на баркод:", ebxBarcodeStart);
-  addField(fields, u"Цифри на теглови баркод:", ebxMeasureBarcode);
+  addLabelled(fields, u"Начален символ на баркод:", ebxBarcodeStart);
+  addLabelled(fields, u"Цифри на теглови баркод:", ebxMeasureBarcode);
   column->addLayout(fields);
   column->addStretch();
   return page;
@@ -187,7 +187,7 @@ QWidget* TfSettings::buildOptions()
   cbxFormSize = captioned<QCheckBox>(u"Размер на форми", "cbxFormSize");
   cbxColors = captioned<QCheckBox>(u"Оцветяване", "cbxColors");
   auto* used = new QGroupBox(QStringLiteral("Запомняне и прилагане"));
-  auto* checks = columnOf(used);
+  auto* checks = pageColumn(used);
   for (QCheckBox* box : {cbxFitrer, cbxSortOrder, cbxGrids, cbxFormSize, cbxColors})
     checks->addWidget(box);
 
@@ -204,12 +204,12 @@ QWidget* TfSettings::buildOptions()
   const std::pair<QPushButton*, const char16_t*> kinds[] = {
       {btnFilter, u"Филтри и сортиране"}, {btnGrids, u"Свойства на таблици"}, {btnForms, u"Размер на форми"}};
   for (const auto& [button, what] : kinds) {
-    addField(deletions, what, button);
+    addLabelled(deletions, what, button);
     button->setAccessibleName(button->text() + QStringLiteral(": ") + QString::fromUtf16(what));
   }
 
   auto* page = new QWidget;
-  auto* column = columnOf(page);
+  auto* column = pageColumn(page);
   column->setSpacing(spacing::wide);
   column->addWidget(used);
   column->addWidget(stored);
@@ -225,7 +225,7 @@ QWidget* TfSettings::buildExport()
   rbComma = captioned<QRadioButton>(u"Запетая", "rbComma");
   rbPointComma = captioned<QRadioButton>(u"Точка и запетая (;)", "rbPointComma");
   rbOtherSimbol = captioned<QRadioButton>(u"Друг символ", "rbOtherSimbol");
-  ebxSeparator = named(new QLineEdit, "ebxSeparator");
+  ebxSeparator = namedControl(new QLineEdit, "ebxSeparator");
   ebxSeparator->setFixedWidth(numberBoxWidth);
   ebxSeparator->setAccessibleName(rbOtherSimbol->text());
   cbxCaption = captioned<QCheckBox>(u"Заглавия на колони", "cbxCaption");
@@ -253,8 +253,8 @@ QWidget* TfSettings::buildExport()
   connect(ebxSeparator, &QLineEdit::textEdited, rbOtherSimbol, [this] { rbOtherSimbol->setChecked(true); });
 
   auto* fields = labelledFields();
-  addField(fields, u"Дробна част", ebxDigit);
-  auto* column = columnOf(page);
+  addLabelled(fields, u"Дробна част", ebxDigit);
+  auto* column = pageColumn(page);
   column->addWidget(rbFixedLength);
   column->addWidget(rbSeparator);
   column->addLayout(choices);
