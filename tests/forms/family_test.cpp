@@ -385,6 +385,44 @@ class FamilyTest : public QObject {
     QVERIFY(hidden > 0);
   }
 
+  void aListOpensTheCardAsItWasOpenedItself_data()
+  {
+    QTest::addColumn<int>("list");
+    QTest::addColumn<int>("card");
+    QTest::newRow("for one record") << int(so_SelectSingle) << int(so_SelectEdit);
+    QTest::newRow("for several") << int(so_SelectMulty) << int(so_EditRecord);
+    QTest::newRow("to work in") << int(so_Normal) << int(so_EditRecord);
+  }
+
+  void aListOpensTheCardAsItWasOpenedItself()
+  {
+    QFETCH(const int, list);
+    FamilyDesk desk;
+    auto* form = desk.open<testing::TfBrContragent>(140, ShowOption(QFlag(list)) | so_AllowEdit);
+    QVERIFY(form);
+    form->EditRecord();
+    auto* card = desk.last<testing::TfEdContragent>();
+    QVERIFY2(card, qPrintable(desk.prompt.messages.join(u'\n')));
+    QTEST(int(card->showOptions()), "card");
+    QCOMPARE(idOf(*card->cdsMaster()), idOf(*form->cdsMaster()));
+    card->CancelChanges();
+  }
+
+  void aListWithoutIdOpensNoCard()
+  {
+    FamilyDesk desk;
+    auto* form = desk.open<testing::TfBrContragent>(140);
+    form->cdsMaster()->Close();
+    form->cdsMaster()->SetRemoteServer(nullptr);
+    form->cdsMaster()->CreateDataSet({text("Code")});
+    form->cdsMaster()->AppendRecord({QStringLiteral("1")});
+    const auto windows = desk.window.area.subWindowList().size();
+    form->acInsertRecordExecute();
+    form->acEditRecordExecute();
+    form->acShowCardExecute();
+    QCOMPARE(desk.window.area.subWindowList().size(), windows);
+  }
+
   void aCardListWithoutModificationOffersNone()
   {
     FamilyDesk desk;

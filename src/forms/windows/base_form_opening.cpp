@@ -177,7 +177,7 @@ void TfBase::showWindow()
   window->show();
   auto* sub = qobject_cast<QMdiSubWindow*>(window);
   if (sub && !sub->isMaximized())
-    fitIntoArea(sub);
+    fitChildWindow(sub);
   focusFirstControl();
 }
 
