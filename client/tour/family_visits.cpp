@@ -1,3 +1,5 @@
+#include <QWidget>
+
 #include "visits.h"
 
 namespace kalvor::tour {
