@@ -29,6 +29,7 @@ void visitItemGroups(TourDriver& driver)
   press(driver, "a new group", Qt::Key_N, Qt::ControlModifier);
   driver.step("its code", formIs("TfEdItemGroups"), [&driver] { driver.type(QStringLiteral("НОВА")); });
   driver.picture("item-groups-new");
+  press(driver, "to the tree", Qt::Key_Backtab, Qt::ShiftModifier);
   press(driver, "take it back", Qt::Key_Z, Qt::ControlModifier);
   driver.expect("the group is gone", [] { return activeMaster()->State() == DataSetState::Browse; });
   press(driver, "to the items", Qt::Key_F4);
@@ -69,7 +70,6 @@ void visitAdministration(TourDriver& driver)
   driver.step("user", formIs("TfEdUser"), [] {});
   driver.picture("user");
   closeForm(driver, "TfEdUser");
-  closeForm(driver, "TfBrUser");
   openForm(driver, QStringLiteral("Права"), "TfEdUserRights");
   driver.picture("rights");
   press(driver, "float the panel", Qt::Key_F4, Qt::ShiftModifier);
@@ -85,7 +85,6 @@ void visitAdministration(TourDriver& driver)
   driver.step("description", formIs("TfEdFormDescription"), [] {});
   driver.picture("form-description");
   closeForm(driver, "TfEdFormDescription");
-  closeForm(driver, "TfBrFormDescription");
 }
 
 }  // namespace kalvor::tour

@@ -1,6 +1,10 @@
 #include "administration.h"
 
+#include <QToolButton>
+#include <QVBoxLayout>
+
 #include "registry/windows/form_registry.h"
+#include "widgets/theme.h"
 
 namespace kalvor {
 
@@ -33,6 +37,24 @@ void TfEdUser::GenerateID(TClientDataSet* dataSet)
 QString TfEdUser::detailKeyField(int) const
 {
   return QStringLiteral("S_UserGroups.User_Id");
+}
+
+bool TfEdUser::isLockedField(TField* field)
+{
+  return field == cdsMaster()->FindField(u"Id") && cdsMaster()->State() == DataSetState::Edit;
+}
+
+void TfEdUser::buildLayout()
+{
+  TfBaseEditMasterDetail::buildLayout();
+  auto* button = new QToolButton(this);
+  button->setObjectName(QStringLiteral("btnPassword"));
+  button->setDefaultAction(action(QStringLiteral("acSetPassword")));
+  button->setText(QStringLiteral("Парола (F7)"));
+  button->setFocusPolicy(Qt::TabFocus);
+  auto* column = qobject_cast<QVBoxLayout*>(layout());
+  column->addWidget(button, 0, Qt::AlignLeft);
+  column->setContentsMargins(0, 0, 0, spacing::tight);
 }
 
 void TfEdUser::CustomUpdateActionState()

@@ -20,6 +20,8 @@ class TfEdUser : public TfBaseEditMasterDetail {
   explicit TfEdUser(QWidget* parent = nullptr);
   void GenerateID(TClientDataSet* dataSet) override;
   void CustomUpdateActionState() override;
+  bool isLockedField(TField* field) override;  // the code, once the user is there
+  void buildLayout() override;
 
  protected:
   QString detailKeyField(int dsIndex) const override;

@@ -6,6 +6,7 @@
 
 #include "forms/form_filters.h"
 #include "registry/windows/form_registry.h"
+#include "widgets/data_control.h"
 #include "widgets/db_grid_ex.h"
 #include "widgets/theme.h"
 
@@ -42,6 +43,11 @@ void TfEdItemGroups::buildRecordSide(QSplitter& splitter)
   side->setChildrenCollapsible(false);
   side->setHandleWidth(spacing::tight);
   TfBaseEditTreeView::buildRecordSide(*side);
+  for (QWidget* control : pcMaster()->findChildren<QWidget*>()) {
+    if (DataControl::of(control)) {
+      setTabOrder(control, dbgItems_);
+    }
+  }
   side->addWidget(dbgItems_);
   side->setStretchFactor(0, 0);
   side->setStretchFactor(1, 1);

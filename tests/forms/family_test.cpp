@@ -9,7 +9,6 @@
 #include "forms/windows/barcode_entry.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/filter_controls.h"
-#include "forms/windows/form_server.h"
 #include "sample_forms.h"
 #include "session/server_calls.h"
 #include "session/settings_document.h"
@@ -40,6 +39,15 @@ struct FamilyDesk : Desk {
     RegisterFormClass(formClass<TfBrSaleLine>());
   }
 };
+
+FieldDef text(const char* name)
+{
+  FieldDef field;
+  field.name = QLatin1String(name);
+  field.type = DataType::WideString;
+  field.size = 20;
+  return field;
+}
 
 QString idOf(const TClientDataSet& dataSet)
 {
@@ -255,8 +263,7 @@ class FamilyTest : public QObject {
   {
     TClientDataSet records;
     QTreeWidget tree;
-    records.CreateDataSet({{QStringLiteral("Id"), DataType::WideString, 10}, {QStringLiteral("Parent_Id"), DataType::WideString, 10},
-                           {QStringLiteral("Name"), DataType::WideString, 20}});
+    records.CreateDataSet({text("Id"), text("Parent_Id"), text("Name")});
     records.AppendRecord({QStringLiteral("1"), {}, QStringLiteral("Корен")});
     records.AppendRecord({QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("Лист")});
     records.AppendRecord({QStringLiteral("3"), QStringLiteral("4"), QStringLiteral("Кръг")});
@@ -322,7 +329,7 @@ class FamilyTest : public QObject {
   void deletingGoesDeepestFirst()
   {
     TClientDataSet records;
-    records.CreateDataSet({{QStringLiteral("Id"), DataType::WideString, 10}, {QStringLiteral("Parent_Id"), DataType::WideString, 10}});
+    records.CreateDataSet({text("Id"), text("Parent_Id")});
     for (const char* row : {"1 -", "2 1", "3 2", "4 3", "5 1", "6 -"}) {
       const QStringList values = QString::fromLatin1(row).split(u' ');
       records.AppendRecord({values[0], values[1] == u"-" ? Variant() : Variant(values[1])});
@@ -378,6 +385,44 @@ class FamilyTest : public QObject {
     QVERIFY(hidden > 0);
   }
 
+  void aListOpensTheCardAsItWasOpenedItself_data()
+  {
+    QTest::addColumn<int>("list");
+    QTest::addColumn<int>("card");
+    QTest::newRow("for one record") << int(so_SelectSingle) << int(so_SelectEdit);
+    QTest::newRow("for several") << int(so_SelectMulty) << int(so_EditRecord);
+    QTest::newRow("to work in") << int(so_Normal) << int(so_EditRecord);
+  }
+
+  void aListOpensTheCardAsItWasOpenedItself()
+  {
+    QFETCH(const int, list);
+    FamilyDesk desk;
+    auto* form = desk.open<testing::TfBrContragent>(140, ShowOption(QFlag(list)) | so_AllowEdit);
+    QVERIFY(form);
+    form->EditRecord();
+    auto* card = desk.last<testing::TfEdContragent>();
+    QVERIFY2(card, qPrintable(desk.prompt.messages.join(u'\n')));
+    QTEST(int(card->showOptions()), "card");
+    QCOMPARE(idOf(*card->cdsMaster()), idOf(*form->cdsMaster()));
+    card->CancelChanges();
+  }
+
+  void aListWithoutIdOpensNoCard()
+  {
+    FamilyDesk desk;
+    auto* form = desk.open<testing::TfBrContragent>(140);
+    form->cdsMaster()->Close();
+    form->cdsMaster()->SetRemoteServer(nullptr);
+    form->cdsMaster()->CreateDataSet({text("Code")});
+    form->cdsMaster()->AppendRecord({QStringLiteral("1")});
+    const auto windows = desk.window.area.subWindowList().size();
+    form->acInsertRecordExecute();
+    form->acEditRecordExecute();
+    form->acShowCardExecute();
+    QCOMPARE(desk.window.area.subWindowList().size(), windows);
+  }
+
   void aCardListWithoutModificationOffersNone()
   {
     FamilyDesk desk;
@@ -405,17 +450,17 @@ class FamilyTest : public QObject {
     QFETCH(const QString, user);
     QFETCH(const bool, allowed);
     FamilyDesk desk(user);
-    const QString provider = createDynamicProvider(sessionCalls());
+    const QString provider = createDynamicProvider(*DM->ConBroker);
     for (const int form : {200, 201, 202, 204, 205, 206, 208, 210, 212, 213}) {
       bool answered = false;
       try {
-        answered = requestData(sessionCalls(), form, 0, provider, {}, {}, {}) == 0;
+        answered = requestData(*DM->ConBroker, form, 0, provider, {}, {}, {}) == 0;
       } catch (const RpcError& error) {
         QVERIFY(error.message().contains(QString::number(form)));
       }
       QCOMPARE(answered, allowed);
     }
-    deleteDynamicProvider(sessionCalls(), provider);
+    deleteDynamicProvider(*DM->ConBroker, provider);
   }
 
   void rightsAreEditedInTheGrid()

@@ -230,7 +230,8 @@ void TfBaseEditTreeView::acInsertRecordExecute()
     const Following quiet(following_);
     cdsMaster_->Append();
     auto* node = new QTreeWidgetItem(selected ? selected : tvMaster_->invisibleRootItem());
-    setTreeItem(node, cdsMaster_->FieldByName(u"Id")->AsString(), treeItemText(*cdsMaster_, caption_));
+    const QString text = treeItemText(*cdsMaster_, caption_);
+    setTreeItem(node, cdsMaster_->FieldByName(u"Id")->AsString(), text.isEmpty() ? QStringLiteral("(нов)") : text);
     if (selected) {
       selected->setExpanded(true);
     }
