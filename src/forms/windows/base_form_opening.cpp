@@ -175,9 +175,9 @@ void TfBase::showWindow()
   QWidget* window = windowOf(this);
   show();
   window->show();
-  auto* sub = qobject_cast<QMdiSubWindow*>(window);
-  if (sub && !sub->isMaximized())
+  if (auto* sub = qobject_cast<QMdiSubWindow*>(window)) {
     fitChildWindow(sub);
+  }
   focusFirstControl();
 }
 
