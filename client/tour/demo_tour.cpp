@@ -25,6 +25,7 @@ void addDemoTour(TourDriver& driver)
   visitCalendar(driver);
   chooseInTableFilter(driver);
   changeQuantityAndSave(driver, "7", "invoice");
+  typeAheadAndPaste(driver);
   driver.step("close the card", formIs("TfEdSaleInvoice"), [&driver] { driver.key(Qt::Key_W, Qt::ControlModifier); });
   openForm(driver, QStringLiteral("Контрагенти"), "TfBrContragent");
   driver.picture("contractors");

@@ -98,17 +98,19 @@ void tabTo(TourDriver& driver, const QString& control)
                 [control] { return TourDriver::focus()->objectName() == control; });
 }
 
-// Moves the grid's current cell to a column, key by key.
+void gotoColumnNow(TourDriver& driver, const QString& field)
+{
+  auto* grid = qobject_cast<TDBGrid*>(TourDriver::focus());
+  driver.key(Qt::Key_Home);
+  for (int i = 0; grid && i < 60 && grid->selectedField() && grid->selectedField()->FieldName() != field; ++i)
+    driver.key(Qt::Key_Right);
+}
+
 void gotoColumn(TourDriver& driver, const QString& field)
 {
   driver.step(QStringLiteral("column ") + field,
               [] { return qobject_cast<TDBGrid*>(TourDriver::focus()) != nullptr; },
-              [&driver, field] {
-                auto* grid = qobject_cast<TDBGrid*>(TourDriver::focus());
-                driver.key(Qt::Key_Home);
-                for (int i = 0; i < 60 && grid->selectedField() && grid->selectedField()->FieldName() != field; ++i)
-                  driver.key(Qt::Key_Right);
-              });
+              [&driver, field] { gotoColumnNow(driver, field); });
 }
 
 void filterCurrentColumn(TourDriver& driver, const QString& criterion, const char* picture)

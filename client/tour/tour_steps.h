@@ -21,6 +21,8 @@ void logIn(TourDriver& driver);
 void chooseInNavigator(TourDriver& driver, const QString& caption);
 void openForm(TourDriver& driver, const QString& caption, const char* className);
 void tabTo(TourDriver& driver, const QString& control);
+// Moves the grid's current cell to a column, key by key: now, or as a step.
+void gotoColumnNow(TourDriver& driver, const QString& field);
 void gotoColumn(TourDriver& driver, const QString& field);
 void filterCurrentColumn(TourDriver& driver, const QString& criterion, const char* picture);
 void changeQuantityAndSave(TourDriver& driver, const QString& quantity, const char* pictures);

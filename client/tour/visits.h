@@ -12,6 +12,9 @@ void arrangeColumns(TourDriver& driver, const char* className);
 void visitStoredSettings(TourDriver& driver);
 void visitCalendar(TourDriver& driver);
 
+// Lookups while typing and rows from a spreadsheet, in the invoice in front.
+void typeAheadAndPaste(TourDriver& driver);
+
 // Filter, sort and search.
 void composeTableFilter(TourDriver& driver);
 void chooseInTableFilter(TourDriver& driver);

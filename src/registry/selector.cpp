@@ -11,6 +11,7 @@
 namespace kalvor {
 namespace {
 
+const QString typedTextMacro = QStringLiteral("<#Param(OwnerValue)");
 const QString selectorContext = QStringLiteral("TSelectorButton.Create");
 
 // The control with what is being searched for in place of what stands in it.
@@ -160,6 +161,19 @@ TSelector::SearchResult TSelector::Search(TField* sender, const QString& text)
   return searchFor(sender, text, !text.isEmpty(), text.isEmpty());
 }
 
+TSelector::SearchResult TSelector::FillExactly(TField* sender, const QString& text)
+{
+  SearchedControl searched(Control, sender, text);
+  const QScopedValueRollback<SelectorControl*> current(Control, &searched);
+  if (!startRun())
+    return SearchResult::NotRun;
+  const int index = GetIndex();
+  if (index < 0)
+    return SearchResult::NotRun;
+  const TSelectorItem item = Items[index];
+  return fillItem(item, true) ? SearchResult::Filled : SearchResult::NotChosen;
+}
+
 TSelector::SearchResult TSelector::FillOrChoose(TField* sender)
 {
   return searchFor(sender, QString(), false, false);
@@ -181,6 +195,46 @@ TSelector::SearchResult TSelector::searchFor(TField* sender, const QString& text
     return SearchResult::Filled;
   const int result = openItem(item, sender, QString(), showAlways);
   return result == SelectorChosen ? SearchResult::Filled : SearchResult::NotChosen;
+}
+
+// --- While typing --------------------------------------------------------------------------------------------
+
+std::optional<LookupQuestion> TSelector::MatchQuestion(SelectorControl* control, const QString& text)
+{
+  SearchedControl searched(control, Field, text);
+  const QScopedValueRollback<SelectorControl*> current(Control, &searched);
+  takeControl();
+  IBaseIntf* baseForm = form();
+  if (ReadOnly || (baseForm && (baseForm->ifInCopyData() || (Field && baseForm->SetSelectorAction(Field) < 0))))
+    return std::nullopt;
+  const int index = GetIndex();
+  if (index < 0)
+    return std::nullopt;
+  const TSelectorItem& item = Items[index];
+  LookupQuestion question;
+  question.itemIndex = index;
+  question.formId = item.FormId;
+  question.text = text;
+  const QStringList targets = selectorFieldNames(item.TargetFields);
+  for (qsizetype i = 0; i < targets.size(); ++i)
+    if (targets[i].compare(FieldName, Qt::CaseInsensitive) == 0)
+      question.shownField = selectorFieldNames(item.SourceFields).value(i);
+  question.filter = itemFilter(item.Filter);
+  question.publicFilter = itemFilter(item.PublicFilter);
+  const FilterArray written = BuildFilterFromStr(item.Filter);
+  for (int row = 0; row < written.size(); ++row)
+    if (variantText(written[row].value).contains(typedTextMacro))
+      question.typedRows.append(row);
+  return question;
+}
+
+bool TSelector::TakeMatch(const LookupQuestion& question, const LookupMatches& matches, int row)
+{
+  if (row < 0 || row >= matches.rows.size() || GetIndex() != question.itemIndex)
+    return false;
+  const TSelectorItem item = Items[question.itemIndex];
+  return TakeSelectorRecord(item.SourceFields, item.TargetFields, DataSet, matches.columns, matches.rows[row], Owner,
+                            FieldName);
 }
 
 // --- Conditions ----------------------------------------------------------------------------------------------

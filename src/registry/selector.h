@@ -2,7 +2,10 @@
 // there.
 #pragma once
 
+#include <optional>
+
 #include "registry/form_interfaces.h"
+#include "registry/lookup_matches.h"
 #include "registry/selector_control.h"
 #include "registry/selector_items.h"
 
@@ -47,8 +50,17 @@ class KALVOR_RULES TSelector {
   // What a text typed into the bound field means: the one record that equals it or else the only one that meets the
   // filter is taken silently, otherwise the user chooses among those that meet it. An empty text lets the user choose.
   SearchResult Search(TField* sender, const QString& text);
+  // The one record that equals the text is taken, nothing is opened. NotChosen: there is none, or there are several.
+  SearchResult FillExactly(TField* sender, const QString& text);
   // For a field whose default it is: the only record that meets the filters is taken, otherwise the user chooses.
   SearchResult FillOrChoose(TField* sender);
+
+  // What a text being typed into the control asks the lookup form for. Nothing when no item is meant for the record, the
+  // owner wants no lookup, or the field cannot be written.
+  std::optional<LookupQuestion> MatchQuestion(SelectorControl* control, const QString& text);
+  // Puts one of the answered records into the record being edited, as if it had been chosen in the lookup form. False:
+  // another item is in force by now, or the owner did not take it.
+  bool TakeMatch(const LookupQuestion& question, const LookupMatches& matches, int row);
 
   bool CheckCondition(const FilterArray& condition, TClientDataSet* dataSet, QObject* owner) const;
   int GetIndex() const;               // the first item whose condition holds, -1 for none

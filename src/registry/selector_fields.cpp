@@ -286,6 +286,22 @@ void SelectorFields::setWithLookup(TField* field, const Variant& value, const QS
   exact.Search(field, text);
 }
 
+void SelectorFields::setExactly(TField* field, const QString& text)
+{
+  Entry* entry = entryOf(field);
+  if (!entry || !entry->bound || !entry->selector) {
+    field->SetEditText(text);
+    return;
+  }
+  const Hold hold(*this);
+  const QScopedValueRollback<int> searching(searching_, searching_ + 1);
+  field->SetEditText(text);
+  if (text.trimmed().isEmpty())
+    setNull(*entry, field);
+  else if (entry->selector->FillExactly(field, text.trimmed()) == TSelector::SearchResult::NotChosen)
+    throw DataError(QStringLiteral("няма точно един запис „%1“.").arg(text.trimmed()));
+}
+
 // The lookup form may have stayed open beside this one while the user moved on.
 void SelectorFields::goToLookupRecord(TClientDataSet* dataSet)
 {

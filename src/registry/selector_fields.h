@@ -51,6 +51,10 @@ class KALVOR_RULES SelectorFields {
   // place of LIKE. The value stays when no record is found or chosen.
   void setWithLookup(TField* field, const Variant& value, const QString& description);
 
+  // Sets a field from a text as typed; a lookup field takes the one record that equals it and opens nothing. DataError
+  // when the field or the lookup does not take it; the field may hold the text then.
+  void setExactly(TField* field, const QString& text);
+
   // Puts the chosen values into the record for which the lookup was opened: all of them or, with what the field throws,
   // none. Selectors do not run meanwhile.
   void putChosen(const TSelectionList& selection);

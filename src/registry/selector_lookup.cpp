@@ -189,6 +189,16 @@ bool FillSelectorFields(int formId, const QString& sourceFields, const QString& 
   });
 }
 
+bool TakeSelectorRecord(const QString& sourceFields, const QString& targetFields, TClientDataSet* dataSet,
+                        const QStringList& columns, const VariantArray& values, QObject* owner, const QString& keyField)
+{
+  return raisingLogged(QStringLiteral("KalvorUtils.FillSelectorFields"), [&] {
+    const FoundRecord record{1, columns, values};
+    return handOver(owner, filledLine(selectorFieldSets(sourceFields, targetFields, dataSet, keyField), record),
+                    so_SelectSingle);
+  });
+}
+
 int GetControlSelector(int formId, const QString& sourceFields, const FilterArray& filter,
                        const FilterArray& publicFilter, bool showAlways, bool& flag, ShowOption options,
                        const TDefaultValues& defaults, QObject* owner)

@@ -50,6 +50,12 @@ KALVOR_RULES bool FillSelectorFields(int formId, const QString& sourceFields, co
                                      TClientDataSet* dataSet, const FilterArray& filter,
                                      const FilterArray& publicFilter, bool& flag, QObject* owner);
 
+// Hands one record of the lookup form to the owner: its values by column names. True: the owner took it. TELException
+// with "KalvorUtils.FillSelectorFields".
+KALVOR_RULES bool TakeSelectorRecord(const QString& sourceFields, const QString& targetFields, TClientDataSet* dataSet,
+                                     const QStringList& columns, const VariantArray& values, QObject* owner,
+                                     const QString& keyField);
+
 // As GetSelector for a control without a dataset: the owner puts what was chosen into its control. TELException with
 // "GetControlSelector".
 KALVOR_RULES int GetControlSelector(int formId, const QString& sourceFields, const FilterArray& filter,

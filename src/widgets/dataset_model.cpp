@@ -94,13 +94,14 @@ QVariant DatasetModel::data(const QModelIndex& index, int role) const
     case Qt::DisplayRole: return field->DisplayTextAt(index.row());
     case Qt::TextAlignmentRole: return int(fieldAlignment(field) | Qt::AlignVCenter);
     case Qt::ForegroundRole:
-      if (isNumericType(field->FieldDataType()) && !field->OnGetText &&
-          field->ValueAt(index.row()).toDouble() < 0) {
-        return theme().negative;
-      }
-      return {};
+      return isNegative(field, index.row()) ? QVariant(theme().negative) : QVariant();
     default: return {};
   }
+}
+
+bool DatasetModel::isNegative(const TField* field, qsizetype row)
+{
+  return isNumericType(field->FieldDataType()) && !field->OnGetText && field->ValueAt(row).toDouble() < 0;
 }
 
 QVariant DatasetModel::headerData(int section, Qt::Orientation orientation, int role) const

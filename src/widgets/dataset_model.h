@@ -15,6 +15,7 @@ namespace kalvor {
 class KALVOR_WIDGETS DatasetModel : public QAbstractTableModel {
   Q_OBJECT
  public:
+  static bool isNegative(const TField* field, qsizetype row);  // an amount below zero, shown as such
   explicit DatasetModel(QObject* parent = nullptr);
   ~DatasetModel() override;
 

@@ -189,10 +189,15 @@ void TDBGrid::followRecords()
 void TDBGrid::showSortMark()
 {
   const QString order = dataSet() && dataSet()->Active() ? dataSet()->IndexFieldNames() : QString();
-  const QString first = order.section(u';', 0, 0).trimmed();
-  const bool descending = first.endsWith(QLatin1String(" DESC"), Qt::CaseInsensitive);
-  header_->setSortMark(first.isEmpty() ? -1 : model_->columnOf(first.section(u' ', 0, 0)),
-                       descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+  QList<SortMark> marks;
+  for (const QString& part : order.split(u';', Qt::SkipEmptyParts)) {
+    const QString field = part.trimmed();
+    const bool descending = field.endsWith(QLatin1String(" DESC"), Qt::CaseInsensitive);
+    if (const int column = model_->columnOf(field.section(u' ', 0, 0)); column >= 0) {
+      marks.append({column, descending ? Qt::DescendingOrder : Qt::AscendingOrder});
+    }
+  }
+  header_->setSortMarks(marks);
 }
 
 void TDBGrid::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>&)

@@ -72,6 +72,9 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   bool selectPriorColumn(bool skipReadOnly = false);
   bool selectFirstColumn(bool skipReadOnly = false);
   bool selectLastColumn(bool skipReadOnly = false);
+  // The first or last column that is not read-only itself, whatever the grid is; without one, simply the first or last.
+  bool selectFirstWritableColumn();
+  bool selectLastWritableColumn();
   bool canEditField(const TField* field) const;  // grid, column and field allow it
 
   // --- Marked rows ----------------------------------------------------------------------------------------
@@ -107,6 +110,7 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   void characterTyped(const QString& text);      // nothing is being edited: search for it
   void selectorRequested(kalvor::TField* field); // the button of a selector or date cell, or Alt+Down
   void marksChanged();
+  void pasteRequested();                         // Ctrl+V in an editable grid
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
@@ -138,8 +142,8 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   };
 
   ColumnState& columnState(const QString& fieldName) { return states_[fieldName.toLower()]; }
-  ColumnState stateOf(const QString& fieldName) const { return states_.value(fieldName.toLower()); }
-  ColumnState stateOf(const TField* field) const { return field ? stateOf(field->FieldName()) : ColumnState(); }
+  const ColumnState& stateOf(const QString& fieldName) const;
+  const ColumnState& stateOf(const TField* field) const;  // the plain one for null
   void connectModel();
   void applyMetrics();
   void arrangeColumns();
@@ -148,7 +152,9 @@ class KALVOR_WIDGETS TDBGrid : public QTableView {
   int textWidth(int row, int column) const;  // that a cell needs
   void growColumns(int row);
   int characterPixels(int characters) const;
-  bool selectFrom(int position, int step, bool skipReadOnly);
+  bool writableColumn(const TField* field) const;
+  std::function<bool(const TField*)> columnTest(bool skipReadOnly) const;
+  bool selectFrom(int position, int step, const std::function<bool(const TField*)>& wanted);
   void followCursor();
   void followRecords();
   void updateRow(int row);

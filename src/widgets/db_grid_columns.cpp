@@ -32,6 +32,18 @@ int charactersByType(const TField* field)
 
 }  // namespace
 
+const TDBGrid::ColumnState& TDBGrid::stateOf(const QString& fieldName) const
+{
+  static const ColumnState plain;
+  const auto known = states_.constFind(fieldName.toLower());
+  return known == states_.constEnd() ? plain : *known;
+}
+
+const TDBGrid::ColumnState& TDBGrid::stateOf(const TField* field) const
+{
+  return stateOf(field ? field->FieldName() : QString());
+}
+
 int TDBGrid::characterPixels(int characters) const
 {
   return characters * fontMetrics().horizontalAdvance(u'0') + 2 * spacing::cellPadding + 1;
@@ -326,11 +338,11 @@ bool TDBGrid::selectField(const QString& fieldName)
   return selectColumn(int(shownColumns().indexOf(model_->columnOf(fieldName))));
 }
 
-bool TDBGrid::selectFrom(int position, int step, bool skipReadOnly)
+bool TDBGrid::selectFrom(int position, int step, const std::function<bool(const TField*)>& wanted)
 {
   const QList<int> shown = shownColumns();
   while (position >= 0 && position < shown.size()) {
-    if (!skipReadOnly || canEditField(model_->fieldAt(shown[position]))) {
+    if (!wanted || wanted(model_->fieldAt(shown[position]))) {
       return selectColumn(position);
     }
     position += step;
@@ -340,28 +352,52 @@ bool TDBGrid::selectFrom(int position, int step, bool skipReadOnly)
 
 bool TDBGrid::selectNextColumn(bool skipReadOnly)
 {
-  return selectFrom(selectedColumn() + 1, 1, skipReadOnly);
+  return selectFrom(selectedColumn() + 1, 1, columnTest(skipReadOnly));
 }
 
 bool TDBGrid::selectPriorColumn(bool skipReadOnly)
 {
-  return selectFrom(selectedColumn() - 1, -1, skipReadOnly);
+  return selectFrom(selectedColumn() - 1, -1, columnTest(skipReadOnly));
 }
 
 bool TDBGrid::selectFirstColumn(bool skipReadOnly)
 {
-  return selectFrom(0, 1, skipReadOnly);
+  return selectFrom(0, 1, columnTest(skipReadOnly));
 }
 
 bool TDBGrid::selectLastColumn(bool skipReadOnly)
 {
-  return selectFrom(shownColumnCount() - 1, -1, skipReadOnly);
+  return selectFrom(shownColumnCount() - 1, -1, columnTest(skipReadOnly));
+}
+
+bool TDBGrid::selectFirstWritableColumn()
+{
+  return selectFrom(0, 1, [this](const TField* field) { return writableColumn(field); }) || selectFirstColumn();
+}
+
+bool TDBGrid::selectLastWritableColumn()
+{
+  return selectFrom(shownColumnCount() - 1, -1, [this](const TField* field) { return writableColumn(field); }) ||
+         selectLastColumn();
+}
+
+std::function<bool(const TField*)> TDBGrid::columnTest(bool skipReadOnly) const
+{
+  if (!skipReadOnly) {
+    return {};
+  }
+  return [this](const TField* field) { return canEditField(field); };
+}
+
+bool TDBGrid::writableColumn(const TField* field) const
+{
+  return field && !field->ReadOnly && !stateOf(field).readOnly &&
+         (field->FieldKind() == FieldValueKind::Data || field->FieldKind() == FieldValueKind::InternalCalculated);
 }
 
 bool TDBGrid::canEditField(const TField* field) const
 {
-  return field && !readOnly_ && !field->ReadOnly && !stateOf(field).readOnly &&
-         (field->FieldKind() == FieldValueKind::Data || field->FieldKind() == FieldValueKind::InternalCalculated);
+  return !readOnly_ && writableColumn(field);
 }
 
 }  // namespace kalvor

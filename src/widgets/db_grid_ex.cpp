@@ -35,6 +35,12 @@ void TDBGridEx::setFooterText(const QString& fieldName, const QString& text)
   growColumn(fieldName, footer_->textWidth(text));
 }
 
+void TDBGridEx::setFooterStatus(const QString& text)
+{
+  footer_->setStatus(text);
+  updateGeometries();
+}
+
 void TDBGridEx::setFixedColumns(int count)
 {
   fixedColumns_ = qMax(0, count);
@@ -102,6 +108,10 @@ void TDBGridEx::updateGeometries()
   const QScopedValueRollback<bool> guard(placing_, true);
   if (!footerVisible()) {
     TDBGrid::updateGeometries();
+    if (QMargins margins = viewportMargins(); margins.bottom() > 0) {
+      margins.setBottom(0);
+      setViewportMargins(margins);
+    }
     return;
   }
   // The toolkit counts the rows that fit without the footer. Its count must not show and hide the scroll bar, which

@@ -18,6 +18,7 @@ class KALVOR_WIDGETS TDBGridEx : public TDBGrid {
   void setFooterVisible(bool on);  // off at first
   bool footerVisible() const;
   TGridFooter* footer() const { return footer_; }
+  void setFooterStatus(const QString& text);  // shown below the totals
   void setFooterText(const QString& fieldName, const QString& text);
 
   // The first count shown columns do not scroll sideways; 0 at first.

@@ -125,6 +125,13 @@ bool TDBGrid::commandKey(QKeyEvent* event)
     QApplication::clipboard()->setText(rows ? copyText(true) : cellText(currentIndex()));
     return true;
   }
+  if ((control && event->key() == Qt::Key_V) || (shift && event->key() == Qt::Key_Insert)) {
+    if (!inCellEditing_ || readOnly_) {
+      return false;
+    }
+    emit pasteRequested();
+    return true;
+  }
   if (control && event->key() == Qt::Key_A && multiSelect_) {
     markAll();
     return true;

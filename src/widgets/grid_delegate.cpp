@@ -35,23 +35,14 @@ QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelInd
   return QSize(64, textLineHeight(option.fontMetrics));
 }
 
-// Shaping a text to learn its width costs as much as drawing it; most cells are plainly wide enough.
-QString GridDelegate::elided(const QString& text, const QStyleOptionViewItem& option, int width) const
-{
-  if (widestLetter_ == 0 || measuredFont_ != option.font) {
-    measuredFont_ = option.font;
-    widestLetter_ = option.fontMetrics.horizontalAdvance(u'Щ');
-  }
-  return text.size() * widestLetter_ <= width ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, width);
-}
-
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
   TField* field = grid_->model_->fieldAt(index.column());
   if (!field) {
     return;
   }
-  const TDBGrid::ColumnState column = grid_->stateOf(field);
+  const TDBGrid::ColumnState& column = grid_->stateOf(field);
+  const bool open = grid_->dataSet()->Active() && index.row() < grid_->dataSet()->RecordCount();
   const bool enabled = option.state & QStyle::State_Enabled;
   const QPalette& palette = option.palette;
   CellColors colors;
@@ -60,8 +51,8 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     colors.background = column.color;
   }
   colors.text = palette.color(enabled ? QPalette::Active : QPalette::Disabled, QPalette::Text);
-  if (const QVariant marked = index.data(Qt::ForegroundRole); marked.isValid() && enabled) {
-    colors.text = marked.value<QColor>();
+  if (enabled && open && DatasetModel::isNegative(field, index.row())) {
+    colors.text = theme().negative;
   }
   colors.current = index == grid_->currentIndex();
   colors.marked = grid_->isMarked(index.row());
@@ -85,19 +76,19 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     drawCheckBox(painter, option.rect, checked ? CheckLook::Checked : CheckLook::Unchecked,
                  enabled && grid_->canEditField(field) && grid_->inCellEditing(), false);
   } else {
-    const Qt::Alignment alignment = grid_->columnAlignment(index.column());
+    const Qt::Alignment alignment = column.alignment ? column.alignment : fieldAlignment(field);
     QRect textRect = option.rect.adjusted(spacing::cellPadding, 0, -spacing::cellPadding - 1, 0);
     if (buttonShown) {
       textRect.setRight(textRect.right() - option.rect.height() + spacing::tight);
       drawCellMark(painter, buttonRect(option.rect),
                    column.editor.kind == CellEditorKind::Selector ? CellMark::Ellipsis : CellMark::DropDown, theme().accent);
     }
-    QString text = index.data(Qt::DisplayRole).toString();
+    QString text = open ? field->DisplayTextAt(index.row()) : QString();
     text.replace(u'\n', u' ').remove(u'\r');
     painter->setPen(colors.text);
     painter->setFont(option.font);
-    painter->drawText(textRect, int(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      elided(text, option, textRect.width()));
+    text_.setFont(option.font);
+    text_.draw(painter, textRect, alignment, text);
   }
   if (colors.current) {
     const bool active = grid_->hasFocus() || grid_->isAncestorOf(QApplication::focusWidget());

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <QAbstractItemDelegate>
-#include <QFont>
+
+#include "widgets/plain_text.h"
 
 namespace kalvor {
 
@@ -32,11 +33,9 @@ class GridDelegate : public QAbstractItemDelegate {
 
  private:
   bool editorKey(QWidget* editor, QKeyEvent* event);
-  QString elided(const QString& text, const QStyleOptionViewItem& option, int width) const;
 
   TDBGrid* grid_;
-  mutable QFont measuredFont_;
-  mutable int widestLetter_ = 0;  // of that font
+  mutable PlainTextPainter text_;
 };
 
 }  // namespace kalvor

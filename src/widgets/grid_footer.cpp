@@ -1,7 +1,5 @@
 #include "widgets/grid_footer.h"
 
-#include <QPainter>
-
 #include "widgets/db_grid_ex.h"
 #include "widgets/grid_header.h"
 #include "widgets/theme.h"
@@ -38,7 +36,16 @@ int TGridFooter::textWidth(const QString& text) const
 
 QSize TGridFooter::sizeHint() const
 {
-  return QSize(0, textLineHeight(fontMetrics()) + 2);
+  const int lines = (hasTexts() || status_.isEmpty() ? 1 : 0) + (status_.isEmpty() ? 0 : 1);
+  return QSize(0, lines * textLineHeight(fontMetrics()) + 2);
+}
+
+void TGridFooter::setStatus(const QString& text)
+{
+  if (text != status_) {
+    status_ = text;
+    update();
+  }
 }
 
 void TGridFooter::paintEvent(QPaintEvent*)
@@ -47,6 +54,22 @@ void TGridFooter::paintEvent(QPaintEvent*)
   painter.fillRect(rect(), theme().title);
   painter.setPen(theme().line);
   painter.drawLine(rect().topLeft(), rect().topRight());
+  QRect line = rect();
+  if (!status_.isEmpty()) {
+    QRect last = rect();
+    last.setTop(last.bottom() - textLineHeight(fontMetrics()));
+    line.setBottom(last.top());
+    painter.setPen(theme().quietText);
+    painter.drawText(last.adjusted(grid_->viewport()->x() - x() + spacing::cellPadding, 0, -spacing::cellPadding, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter, status_);
+  }
+  if (hasTexts()) {
+    paintTotals(painter, line);
+  }
+}
+
+void TGridFooter::paintTotals(QPainter& painter, const QRect& line)
+{
   QFont bold = font();
   bold.setBold(true);
   painter.setFont(bold);
@@ -54,7 +77,7 @@ void TGridFooter::paintEvent(QPaintEvent*)
   const GridHeader* header = grid_->header();
   const int left = grid_->viewport()->x() - x();
   const int fixed = header->fixedWidth();
-  const QRect whole(left, 0, grid_->viewport()->width(), height());
+  const QRect whole(left, line.top(), grid_->viewport()->width(), line.height());
   for (int column = 0; column < header->count(); ++column) {
     const TField* field = grid_->datasetModel()->fieldAt(column);
     const QString shown = field ? text(field->FieldName()) : QString();
@@ -62,7 +85,7 @@ void TGridFooter::paintEvent(QPaintEvent*)
       continue;
     }
     painter.setClipRect(header->isFixed(column) ? whole : whole.adjusted(fixed, 0, 0, 0));
-    const QRect cell(left + header->leftOf(column), 0, header->sectionSize(column), height());
+    const QRect cell(left + header->leftOf(column), line.top(), header->sectionSize(column), line.height());
     const QRect inside = cell.adjusted(spacing::cellPadding, 1, -spacing::cellPadding - 1, 0);
     painter.setPen(shown.startsWith(u'-') ? theme().negative : palette().color(QPalette::WindowText));
     painter.drawText(inside, int(grid_->columnAlignment(column) | Qt::AlignVCenter),

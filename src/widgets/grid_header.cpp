@@ -2,6 +2,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 #include "widgets/dataset_model.h"
 #include "widgets/theme.h"
@@ -39,11 +40,10 @@ void GridHeader::setTitleColor(const QColor& color)
   viewport()->update();
 }
 
-void GridHeader::setSortMark(int section, Qt::SortOrder order)
+void GridHeader::setSortMarks(const QList<SortMark>& marks)
 {
-  if (section != sortSection_ || order != sortOrder_) {
-    sortSection_ = section;
-    sortOrder_ = order;
+  if (marks != sortMarks_) {
+    sortMarks_ = marks;
     viewport()->update();
   }
 }
@@ -62,11 +62,18 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int section)
   painter->setPen(blend(theme().line, fill, 0.6));
   painter->drawLine(rect.right(), rect.top() + spacing::tight, rect.right(), rect.bottom() - spacing::tight);
 
-  const bool sorted = section == sortSection_;
+  const auto mark = std::find_if(sortMarks_.begin(), sortMarks_.end(),
+                                 [section](const SortMark& known) { return known.section == section; });
   QRect textRect = rect.adjusted(spacing::cellPadding, 0, -spacing::cellPadding - 1, -1);
-  if (sorted) {
-    drawSortMark(painter, textRect.adjusted(0, 0, spacing::cellPadding, 0), sortOrder_);
+  if (mark != sortMarks_.end()) {
+    drawSortMark(painter, textRect.adjusted(0, 0, spacing::cellPadding, 0), mark->order);
     textRect.setRight(textRect.right() - sortMarkRoom);
+    if (sortMarks_.size() > 1) {
+      const QString number = QString::number(mark - sortMarks_.begin() + 1);
+      painter->setPen(theme().accent);
+      painter->drawText(textRect, Qt::AlignRight | Qt::AlignVCenter, number);
+      textRect.setRight(textRect.right() - fontMetrics().horizontalAdvance(number) - 2);
+    }
   }
   const QString caption = model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
   const int alignment = int((alignmentOf ? alignmentOf(section) : Qt::AlignLeft) | Qt::AlignVCenter);

@@ -8,6 +8,12 @@ namespace kalvor {
 
 class DatasetModel;
 
+struct SortMark {
+  int section;
+  Qt::SortOrder order;
+  bool operator==(const SortMark&) const = default;
+};
+
 // Captions with the sort mark. Tells of moved and resized columns once, when the mouse button is let go. Fixed
 // sections stay at the left edge while the others scroll under them.
 class GridHeader : public QHeaderView {
@@ -16,7 +22,8 @@ class GridHeader : public QHeaderView {
   explicit GridHeader(QWidget* parent);
   void setTitleColor(const QColor& color);
   QColor titleColor() const { return titleColor_; }
-  void setSortMark(int section, Qt::SortOrder order);  // -1 = none
+  void setSortMarks(const QList<SortMark>& marks);  // the first decides; several are numbered
+  const QList<SortMark>& sortMarks() const { return sortMarks_; }
 
   void setFixedSections(const QList<int>& sections);
   int fixedWidth() const;           // that covers scrolled sections; 0 while nothing is scrolled
@@ -42,8 +49,7 @@ class GridHeader : public QHeaderView {
   QList<int> fixedSections_;
   int pressedFixed_ = -1;
   QColor titleColor_;
-  int sortSection_ = -1;
-  Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
+  QList<SortMark> sortMarks_;
   bool changed_ = false;
 };
 

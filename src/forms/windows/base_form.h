@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "forms/grid_order.h"
 #include "registry/form_interfaces.h"
 
 class QMenu;
@@ -283,7 +284,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void showWindow();
   void acCopyNewExecute();
   void acExportExecute();
-  void titleClicked(TDBGrid* grid, TField* field);
+  void titleClicked(TDBGrid* grid, TField* field, TitleClick click);
+  void pasteRows(TDBGrid* grid);
 };
 
 }  // namespace kalvor

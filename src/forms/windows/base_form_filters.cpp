@@ -11,7 +11,7 @@
 #include "forms/windows/incremental_search.h"
 #include "platform/ports.h"
 #include "registry/windows/form_host.h"
-#include "widgets/db_grid.h"
+#include "widgets/db_grid_ex.h"
 
 namespace kalvor {
 
@@ -175,18 +175,21 @@ void TfBase::acExportExecute()
   }
 }
 
-void TfBase::titleClicked(TDBGrid* grid, TField* field)
+void TfBase::titleClicked(TDBGrid* grid, TField* field, TitleClick click)
 {
   TClientDataSet* dataSet = grid->dataSet();
   const bool sortable = field && (field->FieldKind() == FieldValueKind::Data ||
                                   field->FieldKind() == FieldValueKind::InternalCalculated);
-  if (!dataSet || !dataSet->Active() || dataSet->State() == DataSetState::Insert || !sortable) {
+  const bool inserting = dataSet && dataSet->State() == DataSetState::Insert && !qobject_cast<TDBGridEx*>(grid);
+  if (!dataSet || !dataSet->Active() || inserting || !sortable) {
     return;
   }
   runGuarded(QStringLiteral("TfBase.DBGridTitleClick"), [&] {
     const WaitCursorScope wait;
-    dataSet->SetIndexFieldNames(field->FieldName());
-    dataSet->First();
+    dataSet->SetIndexFieldNames(orderAfterTitleClick(dataSet->IndexFieldNames(), field->FieldName(), click));
+    if (click == TitleClick::OrdersByIt) {
+      dataSet->First();
+    }
     grid->selectField(field->FieldName());
   });
 }

@@ -35,13 +35,13 @@ void TfBase::FormShow()
   if (IMainFormIntf* main = mainForm()) {
     main->SetHasFilter(d->hasFilter);
   }
+  SetEditControlsReadOnly();  // before the wiring, which gives plain drop-downs a colour of their own
   ControlWiring(this).run();
   for (const auto& entry : d->dataSets) {
     makeFieldSelectors(entry->DataSet);
   }
   auto* enter = new EnterMovesOn(this);
   enter->askFirst = [this](QKeyEvent* event) { return handleEnter(event); };
-  SetEditControlsReadOnly();
   SetPageControlCaptions();
   UpdateActionState();
   for (const OpeningVerb& verb : openingVerbs) {

@@ -1,5 +1,6 @@
 #include "forms/windows/control_wiring.h"
 
+#include <QApplication>
 #include <QFrame>
 
 #include "common/sql_text.h"
@@ -23,7 +24,6 @@ namespace kalvor {
 
 namespace {
 
-constexpr int shortestCaption = 3;
 constexpr int movedLabelTag = 3;
 constexpr int movedLabelLeft = 10;
 
@@ -62,13 +62,6 @@ EditSelectorControl::Runner selectorRunner(TfBase* form, QWidget* asking)
   };
 }
 
-void bindLookupField(TfBase* form, TField* field)
-{
-  if (!hasFlag(field, ffSeries)) {
-    form->SetFieldOnChange(field);
-  }
-}
-
 void addSelectorButton(TfBase* form, DataEdit* edit, TField* field)
 {
   TSelector* selector = form->selectorOf(field);
@@ -77,7 +70,11 @@ void addSelectorButton(TfBase* form, DataEdit* edit, TField* field)
   }
   auto* button = new TSelectorButton(edit, selector, selectorRunner(form, edit));
   button->placement()->setButtonVisible(field->Visible);
-  hasFlag(field, ffSeries) ? form->SetSerieFieldOnChange(field) : bindLookupField(form, field);
+  if (!hasFlag(field, ffSeries)) {
+    form->SetFieldOnChange(field);
+  } else if (qobject_cast<TDBFlatEdit*>(edit)) {
+    form->SetSerieFieldOnChange(field);
+  }
 }
 
 CellEditor selectorCell(TfBase* form, TDBGrid* grid, TField* field)
@@ -87,7 +84,9 @@ CellEditor selectorCell(TfBase* form, TDBGrid* grid, TField* field)
   if (!selector) {
     return editor;
   }
-  bindLookupField(form, field);
+  if (!hasFlag(field, ffSeries)) {
+    form->SetFieldOnChange(field);
+  }
   editor.kind = CellEditorKind::Selector;
   editor.name = QStringLiteral("btn_") + CreateUniqueID();
   editor.create = [selector, runner = selectorRunner(form, grid)](QWidget* parent) -> QWidget* {
@@ -120,12 +119,24 @@ void shortenLabel(QLabel* label, const QWidget* control)
   }
   QString caption = label->text();
   label->setToolTip(caption);
-  const QFontMetrics metrics = label->fontMetrics();
   const QString dots = QStringLiteral("...");
-  while (caption.size() > shortestCaption && metrics.horizontalAdvance(caption + dots) > gap) {
-    caption.chop(1);
-  }
   label->setText(caption + dots);
+  while (!caption.isEmpty() && label->sizeHint().width() > gap) {
+    caption.chop(1);
+    label->setText(caption + dots);
+  }
+  label->resize(label->sizeHint().width(), label->height());
+}
+
+// A bare frame is a panel; grids, labels and tabs are frames with a look of their own.
+bool isPanel(const QWidget* widget)
+{
+  return widget->metaObject() == &QFrame::staticMetaObject;
+}
+
+QColor menuBarColor()
+{
+  return QApplication::palette("QMenuBar").color(QPalette::Window);
 }
 
 }  // namespace
@@ -139,6 +150,11 @@ void ControlWiring::run()
       wireLabel(label);
     } else if (DataControl* control = DataControl::of(widget); control && control->field()) {
       wireControl(widget, *control);
+    } else if (const QColor color = sessionReadOnlyColor(); color.isValid() && isPanel(widget)) {
+      QPalette colors = widget->palette();
+      colors.setColor(QPalette::Window, color);
+      widget->setPalette(colors);
+      widget->setAutoFillBackground(true);
     }
   }
 }
@@ -154,6 +170,11 @@ void ControlWiring::wireControl(QWidget* widget, DataControl& control)
   if (auto* combo = qobject_cast<DataComboBox*>(widget)) {
     if (hasFlag(field, ffOption)) {
       combo->setItems(optionsOf(field));
+    }
+    if (qobject_cast<TDBComboBox*>(widget) &&
+        (hasFlag(field, ffReadOnly) || !form_->CheckDataModification(true, false, false))) {
+      control.setReadOnly(true);
+      control.setReadOnlyColor(menuBarColor());
     }
   } else if (auto* box = qobject_cast<TDBCheckBox*>(widget)) {
     box->setValueChecked(QStringLiteral("1"));
@@ -181,7 +202,13 @@ void ControlWiring::wireGrid(TDBGrid* grid)
     }
   });
   QObject::connect(grid, &TDBGrid::columnLayoutChanged, form, [form, grid] { form->DoSaveGridView(grid); });
-  QObject::connect(grid, &TDBGrid::titleClicked, form, [form, grid](TField* field) { form->titleClicked(grid, field); });
+  QObject::connect(grid, &TDBGrid::titleClicked, form, [form, grid](TField* field) {
+    form->titleClicked(grid, field,
+                       QApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier)
+                           ? TitleClick::AddsToOrder
+                           : TitleClick::OrdersByIt);
+  });
+  QObject::connect(grid, &TDBGrid::pasteRequested, form, [form, grid] { form->pasteRows(grid); });
   QObject::connect(grid, &TDBGrid::columnEntered, form, [form, grid](TField* field) { form->DBG_ColEnter(grid, field); });
   QObject::connect(grid, &TDBGrid::characterTyped, form, [form](const QString& text) { form->FindDialogExecute(text); });
   QObject::connect(grid, &QAbstractItemView::doubleClicked, form, [form, grid] { form->gridDoubleClicked(grid); });

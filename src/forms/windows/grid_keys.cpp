@@ -22,10 +22,8 @@ void moveForward(TDBGrid& grid, TClientDataSet& dataSet, bool masterEditing)
   } else if (!grid.readOnly() && masterEditing && dataSet.CanModify()) {
     dataSet.CheckBrowseMode();
     dataSet.Append();
-  } else {
-    return;
   }
-  grid.selectFirstColumn(true);
+  grid.selectFirstWritableColumn();
 }
 
 void moveBack(TDBGrid& grid, TClientDataSet& dataSet)
@@ -35,8 +33,8 @@ void moveBack(TDBGrid& grid, TClientDataSet& dataSet)
   }
   if (dataSet.RecNo() > 1) {
     dataSet.Prior();
-    grid.selectLastColumn(true);
   }
+  grid.selectLastWritableColumn();
 }
 
 }  // namespace

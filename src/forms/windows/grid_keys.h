@@ -3,6 +3,8 @@
 
 #include <QKeyEvent>
 
+#include "layer_export.h"
+
 namespace kalvor {
 
 class TDBGrid;
@@ -15,6 +17,6 @@ struct GridKeyFacts {
 // True when the key is used up. Ctrl+Delete does nothing. Enter moves like Tab unless the form is to choose a record
 // with it: to the next column, behind the last one to the next record; at the end of an editable grid whose master is
 // being edited a new record is appended. Shift+Enter goes back.
-bool handleGridKey(TDBGrid& grid, const QKeyEvent& event, const GridKeyFacts& facts);
+BASE_PACKAGE bool handleGridKey(TDBGrid& grid, const QKeyEvent& event, const GridKeyFacts& facts);
 
 }  // namespace kalvor

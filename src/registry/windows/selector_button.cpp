@@ -4,6 +4,7 @@
 
 #include "common/sql_text.h"
 #include "registry/windows/date_selector.h"
+#include "registry/windows/type_ahead.h"
 #include "widgets/data_control.h"
 #include "widgets/theme.h"
 
@@ -67,21 +68,22 @@ void EditSelectorControl::run()
 TSelectorButton::TSelectorButton(QLineEdit* edit, TSelector* selector, EditSelectorControl::Runner runner)
     : EditButton(edit), control_(edit, selector, std::move(runner))
 {
-  prepare();
+  prepare(edit);
 }
 
 TSelectorButton::TSelectorButton(QLineEdit* edit, QObject* owner, const QString& description, TClientDataSet* dataSet)
     : EditButton(edit), control_(edit, owner, description, dataSet)
 {
-  prepare();
+  prepare(edit);
 }
 
-void TSelectorButton::prepare()
+void TSelectorButton::prepare(QLineEdit* edit)
 {
   setText(QStringLiteral("..."));
   setObjectName(QStringLiteral("slct_") + CreateUniqueID());
   setAccessibleName(QStringLiteral("Избор"));
   connect(this, &QAbstractButton::clicked, this, [this] { control_.run(); });
+  new TypeAhead(edit, &control_, this);
 }
 
 TDateSelectorButton::TDateSelectorButton(QWidget* control) : EditButton(control)

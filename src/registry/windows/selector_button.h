@@ -26,14 +26,13 @@ class BASE_PACKAGE EditSelectorControl : public SelectorControl {
   // The text is what is searched for; the edit shows its field's value again before the lookup opens, so that leaving
   // the lookup leaves the record as it was. Errors are told to the user.
   void run();
+  void putTextBack();  // what was typed and not written
 
   QString Text() const override;
   TField* Field() const override;
   bool ReadOnly() const override;
 
  private:
-  void putTextBack();
-
   QLineEdit* edit_;
   std::unique_ptr<TSelector> own_;
   TSelector* selector_;
@@ -50,7 +49,7 @@ class BASE_PACKAGE TSelectorButton : public EditButton {
   TSelector* selector() const { return control_.selector(); }
 
  private:
-  void prepare();
+  void prepare(QLineEdit* edit);
 
   EditSelectorControl control_;
 };

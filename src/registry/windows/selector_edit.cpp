@@ -1,5 +1,6 @@
 #include "registry/windows/selector_edit.h"
 
+#include "registry/windows/type_ahead.h"
 #include "widgets/theme.h"
 
 namespace kalvor {
@@ -22,6 +23,7 @@ TSelectorEdit::TSelectorEdit(QWidget* parent, TSelector* selector, EditSelectorC
   button->setText(QStringLiteral("..."));
   button->setAccessibleName(QStringLiteral("Избор"));
   connect(button, &QAbstractButton::clicked, this, [this] { control_.run(); });
+  new TypeAhead(this, &control_, this);
 }
 
 QString CellSelectorControl::Text() const
