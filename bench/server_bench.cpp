@@ -11,9 +11,9 @@
 #include <QUuid>
 #include <algorithm>
 #include <cstdio>
-#include <sqlite3.h>
 #include <thread>
 
+#include "bare_database.h"
 #include "server_process.h"
 
 using namespace kalvor;
@@ -22,75 +22,6 @@ using namespace kalvor::bench;
 namespace {
 
 constexpr int benchForm = 9000;
-
-template <class Body>
-double medianMs(int runs, Body body)
-{
-  std::vector<double> times;
-  for (int i = 0; i < runs; ++i) {
-    QElapsedTimer timer;
-    timer.start();
-    body();
-    times.push_back(timer.nsecsElapsed() / 1e6);
-  }
-  std::sort(times.begin(), times.end());
-  return times[times.size() / 2];
-}
-
-void line(const char* what, double ours, const char* against, double theirs)
-{
-  std::printf("%-46s %10.3f ms | %-40s %10.3f ms | ratio %6.2f\n", what, ours, against, theirs, ours / theirs);
-}
-
-class BareDatabase {
- public:
-  explicit BareDatabase(const QString& file)
-  {
-    if (sqlite3_open(file.toUtf8().constData(), &db_) != SQLITE_OK)
-      throw DataError(QString::fromUtf8(sqlite3_errmsg(db_)));
-    // The server's own collation stands in the indexes; the bare reader compares alike.
-    sqlite3_create_collation(db_, "KALVOR", SQLITE_UTF16, nullptr, [](void*, int na, const void* a, int nb, const void* b) {
-      return QStringView(static_cast<const QChar*>(a), na / 2)
-          .compare(QStringView(static_cast<const QChar*>(b), nb / 2), Qt::CaseInsensitive);
-    });
-    run("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA busy_timeout=5000");
-  }
-  ~BareDatabase() { sqlite3_close(db_); }
-  void run(const char* sql)
-  {
-    char* message = nullptr;
-    if (sqlite3_exec(db_, sql, nullptr, nullptr, &message) != SQLITE_OK)
-      throw DataError(QString::fromUtf8(message) + QLatin1String(": ") + QString::fromUtf8(sql));
-  }
-  sqlite3_stmt* prepare(const char* sql)
-  {
-    sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(db_, sql, -1, &statement, nullptr) != SQLITE_OK)
-      throw DataError(QString::fromUtf8(sqlite3_errmsg(db_)));
-    return statement;
-  }
-  // Reads every column of every row; the bytes of the values.
-  qint64 readAll(const char* sql)
-  {
-    sqlite3_stmt* statement = prepare(sql);
-    qint64 bytes = 0;
-    while (sqlite3_step(statement) == SQLITE_ROW)
-      for (int i = 0; i < sqlite3_column_count(statement); ++i)
-        switch (sqlite3_column_type(statement, i)) {
-          case SQLITE_INTEGER: bytes += 8 + (sqlite3_column_int64(statement, i) & 0); break;
-          case SQLITE_FLOAT: bytes += 8; break;
-          case SQLITE_NULL: break;
-          default:
-            sqlite3_column_text(statement, i);
-            bytes += sqlite3_column_bytes(statement, i);
-        }
-    sqlite3_finalize(statement);
-    return bytes;
-  }
-
- private:
-  sqlite3* db_ = nullptr;
-};
 
 // So many bytes through a socket of the loopback, as one side writes and the other reads.
 double rawSocketMs(qint64 bytes)

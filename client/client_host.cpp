@@ -3,8 +3,8 @@
 #include <QApplication>
 #include <QScreen>
 
-#include "session/windows/connection_dialog.h"
 #include "session/windows/login_dialog.h"
+#include "session/windows/settings_form.h"
 #include "widgets/theme.h"
 
 namespace kalvor {
@@ -33,9 +33,14 @@ std::unique_ptr<LoginDialog> ClientHost::createLoginDialog(RemoteCalls& calls, S
   return std::make_unique<TfLogin>(*this, calls, connection);
 }
 
-ServerPlace ClientHost::editSettings(SettingsPages, const ServerPlace& current)
+ServerPlace ClientHost::editSettings(SettingsPages pages, const ServerPlace& current)
 {
-  return editConnection(current, QApplication::activeWindow());
+  TfSettings settings;
+  settings.Set_OnlyConnectionSettings(pages == SettingsPages::ConnectionOnly);
+  // Nothing is kept at this workplace yet: what is in use is offered.
+  if (settings.place().address.isEmpty())
+    settings.setPlace(current);
+  return settings.ShowModal(QApplication::activeWindow()) ? settings.place() : current;
 }
 
 quint32 ClientHost::buttonFaceColor() const

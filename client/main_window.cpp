@@ -29,6 +29,13 @@ IBaseIntf* activeForm()
   return dynamic_cast<IBaseIntf*>(activeFormWidget());
 }
 
+bool isFormOf(QWidget* form, const QString& uniqueId)
+{
+  const auto* base = dynamic_cast<IBaseIntf*>(form);
+  const auto* common = dynamic_cast<IBaseCommonIntf*>(form);
+  return (base && base->CheckFormID(uniqueId)) || (common && common->CheckFormID(uniqueId));
+}
+
 QLabel* statusField(QStatusBar* bar, const char* name)
 {
   auto* label = new QLabel(bar);
@@ -332,7 +339,7 @@ void MainWindow::WindowClosed(const QString& uniqueId)
 void MainWindow::activateWindow(const QString& uniqueId)
 {
   for (QMdiSubWindow* window : area_->subWindowList())
-    if (const auto* form = dynamic_cast<IBaseIntf*>(window->widget()); form && form->CheckFormID(uniqueId)) {
+    if (isFormOf(window->widget(), uniqueId)) {
       area_->setActiveSubWindow(window);
       return;
     }
@@ -341,11 +348,12 @@ void MainWindow::activateWindow(const QString& uniqueId)
 void MainWindow::followActiveWindow()
 {
   const QMdiSubWindow* window = area_->activeSubWindow();
-  const auto* form = window ? dynamic_cast<IBaseIntf*>(window->widget()) : nullptr;
-  if (!form)
+  if (!window)
     return;
+  if (!dynamic_cast<IBaseIntf*>(window->widget()))
+    disableFormActions();
   for (int tab = 0; tab < windowTabs_->count(); ++tab)
-    if (form->CheckFormID(windowTabs_->tabData(tab).toString()))
+    if (isFormOf(window->widget(), windowTabs_->tabData(tab).toString()))
       windowTabs_->setCurrentIndex(tab);
 }
 

@@ -6,7 +6,11 @@
 #include "registry/windows/form_registry.h"
 #include "session/dm.h"
 #include "session/error_log.h"
+#include "session/ini_options.h"
 #include "session/local_settings_file.h"
+#include "session/settings_document.h"
+#include "session/windows/change_password.h"
+#include "session/windows/settings_form.h"
 #include "splash.h"
 
 namespace kalvor {
@@ -14,7 +18,7 @@ namespace kalvor {
 namespace {
 
 // Every module that lies next to the program; a name is allowed by occurring in this text.
-const QString allowedModules = QStringLiteral("sales");
+const QString allowedModules = QStringLiteral("administration,nomenclatures,sales");
 
 void keepServer(const QString& server)
 {
@@ -27,6 +31,15 @@ void keepServer(const QString& server)
   lines.prepend(QStringLiteral("ServerPort=%1").arg(port.isEmpty() ? QStringLiteral("2030") : port));
   lines.prepend(QStringLiteral("ServerAddress=%1").arg(server.section(u':', 0, 0)));
   SaveSectionToIni(QStringLiteral("Server"), lines);
+}
+
+// Which stored settings the forms use is the user's choice; without one, none.
+void loadIniOptions(const TDM& session)
+{
+  QStringList lines;
+  if (const QDomDocument* document = session.userSettingsDocument())
+    GetNodeFromXml(*document, QStringLiteral("IniOptions"), lines);
+  IniOptions = iniOptionsFromLines(lines);
 }
 
 }  // namespace
@@ -71,6 +84,9 @@ int runClient(QApplication& application, const ClientArguments& arguments)
       code = *host.quitCode();
     } else {
       session.LoadLogInData({});
+      loadIniOptions(session);
+      RegisterFormClass(formClass<TfSettings>());
+      RegisterFormClass(formClass<TfChangePass>());
       MainWindow window;
       BuildDynamicFormMenu(window.menuBar(), allowedModules);
       window.fillFormMenu();

@@ -1,7 +1,9 @@
 // What all calls of one server share. No authority: everything that counts is in the databases behind it.
 #pragma once
 
+#include <QDate>
 #include <QTemporaryDir>
+#include <functional>
 
 #include "server/catalogue/metadata.h"
 #include "server/session/state_store.h"
@@ -28,6 +30,8 @@ class KALVOR_SERVER ServerCore {
   MetadataCache& metadata() { return metadata_; }
 
   QString serverName = QStringLiteral("KalvorServer");
+  // What prices, rates and debts take for today; another one is put in before the first call.
+  std::function<QDate()> today = &QDate::currentDate;
 
  private:
   Databases databases_;

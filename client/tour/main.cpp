@@ -1,4 +1,4 @@
-// The client driven by key events: kalvor-tour [--retail | --log-in] DIR [--server HOST:PORT]. With --log-in it ends
+// The client driven by key events: kalvor-tour [--retail | --invoice | --log-in] DIR [--server HOST:PORT]. With --log-in it ends
 // when the log-in window is painted.
 #include <QApplication>
 #include <cstdio>
@@ -9,15 +9,19 @@
 int main(int argc, char** argv)
 {
   kalvor::ClientArguments arguments = kalvor::clientArguments(argc, argv);
-  const bool retail = arguments.rest.removeAll(QStringLiteral("--retail")) > 0;
-  const bool logInOnly = arguments.rest.removeAll(QStringLiteral("--log-in")) > 0;
+  const std::pair<const char*, void (*)(kalvor::TourDriver&)> others[] = {
+      {"--retail", kalvor::addRetailTour}, {"--invoice", kalvor::addInvoiceTour}, {"--log-in", kalvor::addLogInTour}};
+  auto tour = kalvor::addDemoTour;
+  for (const auto& [option, steps] : others)
+    if (arguments.rest.removeAll(QLatin1String(option)) > 0)
+      tour = steps;
   if (arguments.rest.size() != 1) {
-    std::fprintf(stderr, "usage: kalvor-tour [--retail | --log-in] DIR [--server HOST:PORT]\n");
+    std::fprintf(stderr, "usage: kalvor-tour [--retail | --invoice | --log-in] DIR [--server HOST:PORT]\n");
     return 2;
   }
   QApplication application(argc, argv);
   kalvor::TourDriver driver(arguments.rest.takeFirst());
-  (logInOnly ? kalvor::addLogInTour : retail ? kalvor::addRetailTour : kalvor::addDemoTour)(driver);
+  tour(driver);
   QObject::connect(&driver, &kalvor::TourDriver::finished, &application, [&driver] {
     std::fprintf(stderr, "%d keys pressed, no mouse\n", driver.keysPressed());
     QCoreApplication::exit(driver.failures() ? 1 : 0);

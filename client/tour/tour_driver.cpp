@@ -51,12 +51,16 @@ void TourDriver::poll()
     Q_EMIT finished();
     return;
   }
-  // What a window manager does when a dialog closes.
+  // What a window manager does when a dialog closes; it takes a turn of the event loop.
+  bool activating = false;
   if (!QApplication::activeWindow() && !dialog())
-    for (QWidget* window : QApplication::topLevelWidgets())
-      if (window->isVisible() && window->windowType() == Qt::Window)
-        window->activateWindow();
-  if (steps_.front().ready && !steps_.front().ready()) {
+    for (const Qt::WindowType type : {Qt::Window, Qt::Dialog})
+      for (QWidget* window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->windowType() == type) {
+          window->activateWindow();
+          activating = !QApplication::activeWindow();
+        }
+  if (activating || (steps_.front().ready && !steps_.front().ready())) {
     waitedMs_ += pollMs;
     if (waitedMs_ > patienceMs) {
       fail(QStringLiteral("not ready for: ") + steps_.front().name);
@@ -97,13 +101,24 @@ void TourDriver::savePicture(const QString& name)
   std::stable_sort(windows.begin(), windows.end(), [](const QWidget* a, const QWidget* b) {
     return a->width() * a->height() > b->width() * b->height();
   });
+  // On top stands what the keys go to, and its lists.
+  std::stable_partition(windows.begin(), windows.end(),
+                        [](const QWidget* window) { return window != dialog() && window->windowType() != Qt::Popup; });
+  std::stable_partition(windows.begin(), windows.end(),
+                        [](const QWidget* window) { return window->windowType() != Qt::Popup; });
+  QPoint popupsBy;  // the lists of a dialog move with it
   for (QWidget* window : windows) {
     QPoint at = window->frameGeometry().topLeft();
-    if (window->isModal() || windows.size() == 1)
+    if (window->windowType() == Qt::Popup)
+      at += popupsBy;
+    const bool dialogWindow = window->isModal() || window->windowType() == Qt::Dialog;
+    if (dialogWindow || windows.size() == 1)
       at = QPoint((screenSize.width() - window->width()) / 2, (screenSize.height() - window->height()) / 2);
     if (window->size() == screenSize || window->width() > screenSize.width() - 40)
       at = QPoint(0, 0);
-    if (window->isModal() && !window->windowTitle().isEmpty()) {
+    if (window->isModal())
+      popupsBy = at - window->frameGeometry().topLeft();
+    if (dialogWindow && !window->windowTitle().isEmpty()) {
       const QRect title(at.x() - 1, at.y() - 26, window->width() + 2, 26);
       painter.fillRect(title.adjusted(0, 0, 0, window->height() + 1), QColor(0x2f, 0x3b, 0x47));
       painter.setPen(Qt::white);

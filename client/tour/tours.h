@@ -15,4 +15,7 @@ void addDemoTour(TourDriver& driver);
 // saved. Expects the journal loaded into the company that is logged in to; fails where something does not hold.
 void addRetailTour(TourDriver& driver);
 
+// Every change of an invoice's line and header that recalculates it, with a picture after each.
+void addInvoiceTour(TourDriver& driver);
+
 }  // namespace kalvor

@@ -1,5 +1,4 @@
 // The sales module: what it brings to the registry.
-#include "nomenclatures.h"
 #include "registry/windows/form_registry.h"
 #include "registry/windows/module_libraries.h"
 #include "sale_invoices.h"
@@ -11,10 +10,5 @@ KALVOR_REGISTER_FORMS
   using namespace kalvor;
   RegisterFormClass(formClass<TfBrSaleInvoice>());
   RegisterFormClass(formClass<TfEdSaleInvoice>());
-  RegisterFormClass(formClass<TfBrContragent>());
-  RegisterFormClass(formClass<TfEdContragent>());
-  RegisterFormClass(formClass<TfBrItem>());
-  RegisterFormClass(formClass<TfEdItem>());
-  RegisterFormClass(formClass<TfBrNomenclature>());
-  RegisterFormClass(formClass<TfEdNomenclature>());
+  RegisterFormClass(formClass<TfBrSaleLine>());
 }

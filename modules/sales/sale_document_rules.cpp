@@ -5,7 +5,6 @@
 #include "business/sale_header_changes.h"
 #include "business/sale_line_amounts.h"
 #include "business/sale_line_changes.h"
-#include "common/rounding.h"
 #include "data/regional.h"
 #include "platform/ports.h"
 #include "session/dm.h"
@@ -105,9 +104,7 @@ void SaleDocumentRules::attachLines()
                   }},
                  {QStringLiteral("QtyPerUnitOfMeasure"), always([this] { ratioChanged(); })},
                  {QStringLiteral("Measure_Id"),
-                  [this](const auto& other) {
-                    SrvSaleMeasureOnChange(header_, lines_, guard_, other(u"Code"), priceLookup);
-                  }},
+                  [this](const auto& other) { measureChanged(other); }},
                  {QStringLiteral("Code"), always([this] { codeChanged(); })},
                  {QStringLiteral("Quantity"), always([this] { quantityChanged(); })},
                  {QStringLiteral("UnitPrice"), always(onLine(SrvSaleLineDiscOnChange))},
@@ -133,6 +130,15 @@ void SaleDocumentRules::attachLines()
         check(header_, lines_, guard_);
       };
     }
+  }
+  // The last amount that every recalculation of a line writes: the document's VAT follows while the user types.
+  if (TField* amount = lines_->FindField(u"TotalVAT_LCY")) {
+    amount->OnChange = [this, previous = amount->OnChange](TField* changed) {
+      if (previous) {
+        previous(changed);
+      }
+      updateTotals();
+    };
   }
   for (DataSetEvent* event : {&lines_->AfterPost, &lines_->AfterDelete}) {
     *event = [this, previous = *event](TClientDataSet* dataSet) {
@@ -166,7 +172,6 @@ void SaleDocumentRules::onLines(const Walk& walk)
       lines_->SetRecNo(row + 1);
       lines_->Edit();
       SrvSaleLineDiscOnChange(header_, lines_, guard_);
-      pricePerMeasure(known.price);
       lines_->Post();
     });
   }
@@ -255,20 +260,18 @@ void SaleDocumentRules::dateChanged()
 
 // --- The line ------------------------------------------------------------------------------------------------------
 
-// The price list answers for one base unit; a line in boxes has the price of a box.
-void SaleDocumentRules::pricePerMeasure(double priceBefore)
+// The lookup of a measure brings its ratio: the price and the base quantity follow the ratio, then the price list is
+// asked for a line that speaks of one measure only.
+void SaleDocumentRules::measureChanged(const FieldRule::Others& other)
 {
-  const double price = numberIn(lines_, u"OriginalPrice");
-  const double ratio = numberIn(lines_, u"QtyPerUnitOfMeasure");
-  if (price == priceBefore || price == 0 || ratio == 1 || ratio == 0) {
-    return;
+  if (other(u"Code")) {
+    return;  // the new item's own measure is priced with it
   }
-  {
-    const QScopedValueRollback<bool> ours(guard_, true);
-    lines_->FieldByName(u"UnitPrice")
-        ->SetAsFloat(static_cast<double>(RoundUp(LocalData.PrecisionPrice, static_cast<long double>(price) * ratio)));
+  if (other(u"QtyPerUnitOfMeasure")) {
+    SrvSaleQuantityOnChange(header_, lines_, guard_, notSuppressed, priceLookup);
+  } else {
+    SrvSaleMeasureOnChange(header_, lines_, guard_, notSuppressed, priceLookup);
   }
-  SrvSaleLineDiscOnChange(header_, lines_, guard_);
 }
 
 void SaleDocumentRules::codeChanged()
@@ -282,12 +285,7 @@ void SaleDocumentRules::codeChanged()
 
 void SaleDocumentRules::quantityChanged()
 {
-  if (guard_) {
-    return;
-  }
-  const double before = numberIn(lines_, u"OriginalPrice");
   SrvSaleQuantityOnChange(header_, lines_, guard_, notSuppressed, priceLookup);
-  pricePerMeasure(before);
 }
 
 void SaleDocumentRules::ratioChanged()

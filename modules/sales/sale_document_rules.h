@@ -38,9 +38,9 @@ class SaleDocumentRules : private DataLink {
   void lineGroupChanged();
   void codeChanged();
   void quantityChanged();
+  void measureChanged(const FieldRule::Others& other);
   void ratioChanged();
   void unitCostChanged();
-  void pricePerMeasure(double priceBefore);
   void writeTotals();
   Walk onLine(LineRule rule);
   void dataEvent(DataEvent event, TField* field) override;

@@ -58,4 +58,13 @@ void TfEdSaleInvoice::payInCash()
   dialog.exec();
 }
 
+// --- Lines of invoices -----------------------------------------------------------------------------------------
+
+void TfBrSaleLine::CDS_AfterOpen(TClientDataSet* dataSet)
+{
+  TfBrSelectDocument::CDS_AfterOpen(dataSet);
+  dataSet->SetIndexFieldNames(QStringLiteral("DocumentNo DESC;Line_No"));
+  dataSet->SetGroupingLevel(1);
+}
+
 }  // namespace kalvor

@@ -3,6 +3,7 @@
 
 #include "forms/windows/base_browse.h"
 #include "forms/windows/base_edit.h"
+#include "forms/windows/browse_documents.h"
 #include "sale_document_rules.h"
 
 namespace kalvor {
@@ -13,6 +14,14 @@ class TfBrSaleInvoice : public TfBaseBrowseCard {
   Q_OBJECT
  public:
   using TfBaseBrowseCard::TfBaseBrowseCard;
+};
+
+// Invoice lines to choose from, grouped by their invoice.
+class TfBrSaleLine : public TfBrSelectDocument {
+  Q_OBJECT
+ public:
+  using TfBrSelectDocument::TfBrSelectDocument;
+  void CDS_AfterOpen(TClientDataSet* dataSet) override;
 };
 
 class TfEdSaleInvoice : public TfBaseEditMasterDetail {

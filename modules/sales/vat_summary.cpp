@@ -62,7 +62,9 @@ VatSummary::VatSummary(QWidget* parent) : QWidget(parent), table_(new QTableWidg
   for (int column = firstAmount; column < table_->columnCount(); ++column) {
     table_->setColumnWidth(column, amountWidth);
   }
+  table_->horizontalHeader()->setDefaultAlignment(Qt::AlignRight | Qt::AlignVCenter);
   table_->setFixedHeight(line * visibleRows + table_->horizontalHeader()->sizeHint().height());
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(spacing::normal, spacing::tight, spacing::normal, spacing::tight);
   row->addWidget(table_);
@@ -77,6 +79,7 @@ void VatSummary::setTotals(const TVATTotals& totals, const QString& currency)
     table_->setColumnHidden(firstAmount + i, columns[i].local && currency.isEmpty());
   }
   table_->setHorizontalHeaderLabels(titles);
+  table_->horizontalHeaderItem(0)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   const QString picture = QStringLiteral("#,##0.") + QString(LocalData.PrecisionAmount, u'0');
   const auto& groups = totals.groups();
   table_->setRowCount(int(groups.size()) + 1);
@@ -90,7 +93,7 @@ void VatSummary::setTotals(const TVATTotals& totals, const QString& currency)
   for (int i = 0; i < groups.size(); ++i) {
     fill(i, groups[i].name, false, [&](const Column& column) { return groups[i].info.*column.ofGroup; });
   }
-  fill(int(groups.size()), QStringLiteral("Общо за документа"), true,
+  fill(int(groups.size()), QStringLiteral("Общо"), true,
        [&](const Column& column) { return totals.*column.ofDocument; });
 }
 

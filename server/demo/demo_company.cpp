@@ -40,7 +40,9 @@ void createOneCompany(DemoScope& scope, const QString& passwordHash)
   createDemoRates(scope);
   createDemoContragents(scope);
   createDemoItems(scope);
+  createDemoAgreements(scope);
   createDemoInvoices(scope);
+  createDemoEntries(scope);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 // The demo: three companies to try everything on, the same every time.
 //
 // Company "1" „Демо Търговия“ ООД has two stores and an office, several hundred contractors, about a thousand items
-// with prices and discounts, three years of currency rates and some five thousand sale invoices. Company "2"
+// with prices, agreements and discounts, three years of currency rates, some five thousand sale invoices and what they
+// left open, and deliveries that give the goods an average cost. Company "2"
 // „Проба“ ЕООД is small and shows that companies do not see each other; company "3" „Нова фирма“ ЕООД is set up but
 // has no records yet, for loading one's own. The local currency is EUR; invoices before 2026 are in BGN at the fixed
 // 1.95583, as they were issued.

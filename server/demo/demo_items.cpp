@@ -67,6 +67,7 @@ constexpr RangeSeed ranges[] = {
      "", "бр", "", 0, "EXEMPT", "SERVICES", 200, 2500}};
 
 constexpr int pricesIncludingPack = 95;  // percent of the single price, in a pack
+constexpr int tenPacks = 90;             // the same, of ten packs or more
 
 QString eanOf(const QString& code)
 {
@@ -173,8 +174,9 @@ void ItemWriter::writePrices(const RangeSeed& range, const QString& item, qint64
   writePrice(1, item, QStringLiteral("WHOLESALE"), measure, 0, percent(price, 92));
   writePrice(1, item, QStringLiteral("DEALER"), measure, 0, percent(price, 85));
   if (range.packSize > 0) {
-    writePrice(1, item, {}, scope_.id("N_Measure", QString::fromUtf8(range.packMeasure)), 0,
-               percent(price * range.packSize, pricesIncludingPack));
+    const QString pack = scope_.id("N_Measure", QString::fromUtf8(range.packMeasure));
+    writePrice(1, item, {}, pack, 0, percent(price * range.packSize, pricesIncludingPack));
+    writePrice(1, item, {}, pack, 10 * amountScale, percent(price * range.packSize, tenPacks));
   }
   if (scope_.random.chance(10)) {
     writePrice(1, item, {}, measure, 50 * amountScale, percent(price, 95));

@@ -140,7 +140,8 @@ void createDemoContragents(DemoScope& scope)
                                     termsDays,
                                     tier == 9 ? 85 : tier >= 6 ? 92 : 100};
     const bool inactive = i > 20 && random.chance(4);
-    const qlonglong limit = termsDays == 0 ? 0 : random.between(5, 200) * 100 * amountScale;
+    const qlonglong credit = termsDays == 0 ? 0 : random.between(5, 200) * 100 * amountScale;
+    const Variant limit = retail ? Variant() : Variant(credit);
     rows.insert({contragent.id, scope.companyId, code, draft.name, textOrNone(draft.bulstat), textOrNone(draft.vatNo),
                  draft.country, textOrNone(draft.town), textOrNone(draft.postCode), textOrNone(draft.address),
                  textOrNone(draft.contact), textOrNone(draft.phone), textOrNone(draft.email), contragent.termsId,

@@ -56,7 +56,9 @@ void createDemoUsers(DemoScope& scope, const QString& passwordHash);
 void createDemoRates(DemoScope& scope);
 void createDemoContragents(DemoScope& scope);
 void createDemoItems(DemoScope& scope);
+void createDemoAgreements(DemoScope& scope);
 void createDemoInvoices(DemoScope& scope);
+void createDemoEntries(DemoScope& scope);
 
 constexpr QDate euroDay() { return QDate::fromJulianDay(2461042); }  // 2026-01-01
 constexpr double levaForEuro = 1.95583;

@@ -32,7 +32,7 @@ constexpr UserSeed userSeeds[] = {
 // Nine letters: read, edit, insert, delete, finish, print, export, edit properties, annul; "-" = no.
 struct RoleRights {
   Role role;
-  const char* invoices;      // forms 120 and 121
+  const char* invoices;      // forms 120, 121 and 130
   const char* contragents;   // 140 and 141
   const char* others;
   bool ownObjectOnly;
@@ -42,6 +42,10 @@ constexpr RoleRights roleRights[] = {
     {Role::Cashier, "REI-FP---", "R----P---", "R----P---", false},
     {Role::Clerk, "REIDFPX-A", "REI--PX--", "R----PX--", true},
     {Role::Auditor, "R----PX--", "R----PX--", "R----PX--", false}};
+
+// Users, their rights and how forms are described: the administrator's alone, who needs no rows of rights.
+constexpr int firstAdministrationForm = 200;
+constexpr int lastAdministrationForm = 213;
 
 constexpr const char* ownObjectFilter = "D_SaleInvoiceHeader.C_Businessgroup_Id,=,<#Param(BUSINESSGROUP_ID)#>,";
 
@@ -80,7 +84,10 @@ void insertRights(DemoScope& scope, const QString& user, Role role, const Record
                     "FinishRight", "PrintRight", "ExportRight", "EditPropsRight", "AnnulRight", "SecurityFilter"});
   for (qsizetype i = 0; i < forms.rows; ++i) {
     const int form = forms.value(i, 0).toInt();
-    const bool invoices = form == 120 || form == 121;
+    if (form >= firstAdministrationForm && form <= lastAdministrationForm) {
+      continue;
+    }
+    const bool invoices = form == 120 || form == 121 || form == 130;
     const bool contragents = form == 140 || form == 141;
     const char* letters = invoices ? rights->invoices : contragents ? rights->contragents : rights->others;
     VariantArray row{user, scope.companyId, form};

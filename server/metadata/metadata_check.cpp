@@ -285,8 +285,11 @@ void MetadataChecker::checkForms()
     const int index = cell(forms, i, "Ds_Index").toInt();
     place_ = QStringLiteral("form %1, dataset %2").arg(id).arg(index);
     const CheckedQuery* query = find(id, index);
-    if (!query) {
+    const bool isDialog = index == 0 && cell(forms, i, "BaseTable").isEmpty() && !cell(forms, i, "ClassName").isEmpty();
+    if (!query && !isDialog) {
       fault(QStringLiteral("no stored query"));
+    }
+    if (!query) {
       continue;
     }
     if (query->baseTable != cell(forms, i, "BaseTable")) {

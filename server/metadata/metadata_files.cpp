@@ -201,6 +201,10 @@ void readForm(const QJsonObject& object, const MetadataPlace& file, DeclaredMeta
                                    "readonly", "from", "sql", "fields"}, place);
     appendDataset(metadata, form, readQuery(dataset.toObject(), form.id, place));
   }
+  // A dialog has no data.
+  if (datasets.isEmpty()) {
+    metadata.forms.append(form);
+  }
   const QJsonObject card = object.value(QStringLiteral("card")).toObject();
   if (!card.isEmpty()) {
     allowKeys(card, {"id", "caption", "class", "captionFields", "query"}, place);

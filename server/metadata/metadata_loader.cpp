@@ -50,7 +50,7 @@ int loadMetadata(Connection& connection, const DeclaredMetadata& metadata, Exist
     if (mayWrite(connection, QStringLiteral("S_Forms"), QStringLiteral("ID = ? AND Ds_Index = ?"),
                  {form.id, form.datasetIndex}, existing)) {
       forms.insert({form.id, form.datasetIndex, form.caption, textOrNull(form.className),
-                    textOrNull(form.captionFields), form.baseTable, textOrNull(form.filter), textOrNull(form.order),
+                    textOrNull(form.captionFields), textOrNull(form.baseTable), textOrNull(form.filter), textOrNull(form.order),
                     textOrNull(form.lineColors), textOrNull(form.menuGroup), form.menuOrder});
     }
   }

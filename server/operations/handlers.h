@@ -37,6 +37,15 @@ Variant callExecuteSqlScript(CallContext& call);
 // document_locks.cpp
 Variant callCheckOutDocument(CallContext& call);
 Variant callCheckInDocument(CallContext& call);
+// pricing.cpp
+Variant callGetSaleLinePrice(CallContext& call);
+Variant callGetSaleLineDiscount(CallContext& call);
+Variant callGetPurchLinePrice(CallContext& call);
+Variant callGetPurchLineDiscount(CallContext& call);
+Variant callGetCurrencyRate(CallContext& call);
+// checks.cpp
+Variant callCheckSaleContragentParams(CallContext& call);
+Variant callCheckItemUnitCost(CallContext& call);
 // transactions.cpp
 Variant callTrStart(CallContext& call);
 Variant callTrCommit(CallContext& call);

@@ -11,6 +11,8 @@ constexpr Parameter list{Shape::List};
 constexpr Parameter listOrNull{Shape::ListOrNull};
 constexpr Parameter any{Shape::Any};
 constexpr Parameter varText{Shape::Text, true};
+constexpr Parameter varWhole{Shape::Whole, true};
+constexpr Parameter varAny{Shape::Any, true};
 constexpr Parameter out{Shape::Any, true, true};
 
 const Operation table[] = {
@@ -46,6 +48,16 @@ const Operation table[] = {
     {"GetFieldsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFieldsDescription},
     {"GetQueryID", RunsOn::Reader, CallRight::LoggedIn, {whole, whole}, callGetQueryId},
     {"GetAbsoluteNoSerie_Id", RunsOn::Reader, CallRight::LoggedIn, {}, callGetAbsoluteNoSerieId},
+    // Prices and rates.
+    {"GetSaleLinePrice", RunsOn::Reader, CallRight::LoggedIn, {list, out, out}, callGetSaleLinePrice},
+    {"GetSaleLineDiscount", RunsOn::Reader, CallRight::LoggedIn, {list, out, out}, callGetSaleLineDiscount},
+    {"GetPurchLinePrice", RunsOn::Reader, CallRight::LoggedIn, {list, out}, callGetPurchLinePrice},
+    {"GetPurchLineDiscount", RunsOn::Reader, CallRight::LoggedIn, {list, out}, callGetPurchLineDiscount},
+    {"GetCurrencyRate", RunsOn::Reader, CallRight::LoggedIn, {varText, varAny, varAny, out}, callGetCurrencyRate},
+    // Checks before posting.
+    {"CheckSaleContragentParams", RunsOn::Reader, CallRight::ReadTable, {text, any, varWhole},
+     callCheckSaleContragentParams},
+    {"CheckItemUnitCost", RunsOn::Reader, CallRight::ReadTable, {text, whole}, callCheckItemUnitCost},
     // Documents.
     {"CheckOutDocument", RunsOn::Reader, CallRight::WriteForm, {text, whole, out}, callCheckOutDocument},
     {"CheckInDocument", RunsOn::Reader, CallRight::OwnData, {text}, callCheckInDocument},

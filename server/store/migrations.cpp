@@ -85,6 +85,10 @@ QString columnsForSqlite(const QString& columns)
 
 QStringList splitScript(const QString& script)
 {
+  // The statements of a trigger are part of it.
+  static const QRegularExpression openTrigger(QStringLiteral("^\\s*CREATE\\s+TRIGGER\\b(?!.*\\bEND\\s*$)"),
+                                              QRegularExpression::CaseInsensitiveOption |
+                                                  QRegularExpression::DotMatchesEverythingOption);
   QStringList statements;
   QString current;
   const auto finish = [&] {
@@ -99,7 +103,7 @@ QStringList splitScript(const QString& script)
       const QChar c = script.at(at);
       current += c == u'\'' || c == u'"' ? script.mid(at, end - at) : QStringLiteral(" ");
       at = end;
-    } else if (script.at(at) == u';') {
+    } else if (script.at(at) == u';' && !openTrigger.match(current).hasMatch()) {
       finish();
       ++at;
     } else {

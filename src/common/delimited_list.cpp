@@ -64,7 +64,7 @@ int GetPosOfItem(const QString& text, const QString& separator, const QString& i
 void SetItemAtPos(QString& text, const QString& separator, const QString& newItem, int index)
 {
   const qsizetype start = startOfItem(text, separator, index);
-  if (start >= 0)
+  if (start >= 0 && index <= GetItemsCountInList(text, separator))
     text.replace(start, endOfItem(text, separator, start) - start, newItem);
 }
 

@@ -14,7 +14,8 @@ KALVOR_RULES int GetItemsCountInList(const QString& text, const QString& separat
 KALVOR_RULES QString GetItemAtPos(const QString& text, const QString& separator, int index);
 // Index of the first item that equals the given one, both trimmed; -1 when there is none.
 KALVOR_RULES int GetPosOfItem(const QString& text, const QString& separator, const QString& item);
-// Replaces the item at the index; an index past the item count changes nothing.
+// Replaces the item at the index, at most the item count: that one is a trailing empty item. Where there is no item,
+// nothing changes.
 KALVOR_RULES void SetItemAtPos(QString& text, const QString& separator, const QString& newItem, int index);
 
 }  // namespace kalvor

@@ -1,6 +1,8 @@
 #include "common/text_tools.h"
 
 #include <QStringList>
+#include <algorithm>
+#include <limits>
 
 #include "data/data_error.h"
 
@@ -35,10 +37,10 @@ int CompareVersions(const QString& a, const QString& b, int depth)
 {
   const QStringList first = a.split(u'.');
   const QStringList second = b.split(u'.');
-  int difference = 0;
+  qint64 difference = 0;
   for (int part = 0; part < 4 && difference == 0 && (part == 0 || part < depth); ++part)
-    difference = first.value(part).trimmed().toInt() - second.value(part).trimmed().toInt();
-  return difference;
+    difference = qint64(first.value(part).trimmed().toInt()) - second.value(part).trimmed().toInt();
+  return int(std::clamp<qint64>(difference, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
 int HexToInt(const QString& text)

@@ -71,6 +71,7 @@ struct TClientDataSet::Private {
   RecordSet keyBuffer;           // one row, in set-key state
   QSet<int> keyColumns;          // assigned since SetKey
   RecordRef foreign;             // set while a handler looks at another record than the current one
+  qsizetype foreignRow = -1;     // its row in the view; -1 when it has none or none is known
   TField* validating = nullptr;  // while OnValidate runs the field shows the value to come
   Variant validatingValue;
   RecordRef storedRecord(RowId row) const { return {&store, qsizetype(row)}; }
@@ -194,7 +195,8 @@ struct TClientDataSet::Private {
 // Another record takes the place of the current one for the life of this.
 class ForeignRecord {
  public:
-  ForeignRecord(TClientDataSet::Private* d, RecordRef record);
+  // viewRow: where the record stands in the view, for the group state; -1 = the cursor's row counts.
+  ForeignRecord(TClientDataSet::Private* d, RecordRef record, qsizetype viewRow = -1);
   ~ForeignRecord();
   ForeignRecord(const ForeignRecord&) = delete;
   ForeignRecord& operator=(const ForeignRecord&) = delete;
@@ -202,6 +204,7 @@ class ForeignRecord {
  private:
   TClientDataSet::Private* d_;
   RecordRef before_;
+  qsizetype rowBefore_;
 };
 
 }  // namespace kalvor

@@ -5,14 +5,17 @@
 
 namespace kalvor {
 
-ForeignRecord::ForeignRecord(TClientDataSet::Private* d, RecordRef record) : d_(d), before_(d->foreign)
+ForeignRecord::ForeignRecord(TClientDataSet::Private* d, RecordRef record, qsizetype viewRow)
+    : d_(d), before_(d->foreign), rowBefore_(d->foreignRow)
 {
   d_->foreign = record;
+  d_->foreignRow = viewRow;
 }
 
 ForeignRecord::~ForeignRecord()
 {
   d_->foreign = before_;
+  d_->foreignRow = rowBefore_;
 }
 
 RecordRef TClientDataSet::Private::recordOfViewRow(qsizetype row) const

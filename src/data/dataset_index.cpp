@@ -67,8 +67,9 @@ TClientDataSet::GroupPosition TClientDataSet::GetGroupState(int level) const
     const RecordRef right = d->recordOfViewRow(b);
     return left && right && d->rowOrder.compare(left, right, fields) == 0;
   };
-  const bool first = !sameGroup(d->cursor - 1, d->cursor);
-  const bool last = !sameGroup(d->cursor, d->cursor + 1);
+  const qsizetype row = d->foreignRow >= 0 ? d->foreignRow : d->cursor;
+  const bool first = !sameGroup(row - 1, row);
+  const bool last = !sameGroup(row, row + 1);
   return {first, !first && !last, last};
 }
 

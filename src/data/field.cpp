@@ -263,7 +263,7 @@ QString TField::DisplayTextAt(qsizetype row) const
   const RecordRef record = d->recordOfViewRow(row);
   if (!record)
     return {};
-  const ForeignRecord positioned(d, record);
+  const ForeignRecord positioned(d, record, row);
   return DisplayText();
 }
 

@@ -11,10 +11,23 @@ namespace kalvor {
 inline const QString _err_NoCorectLoginData =
     QStringLiteral("Грешка при извличане на данни!\r\nМоля, проверете коректността на въведените данни!");
 
+inline const QString _inf_ServerFound = QStringLiteral("Установена е връзка със сървъра");
+inline const QString _inf_ServerNotFound = QStringLiteral("Не е установена връзка със сървъра");
+inline const QString _err_PassDif = QStringLiteral("Невалидна стойност за поле \"Нова парола (проверка)\".");
+inline const QString _err_ChangePass = QStringLiteral("Грешка при опит за промяна на парола!");
+
 // --- Filters ----------------------------------------------------------------------------------------------
 inline const QString _err_NotValidDate = QStringLiteral("Грешно въведена дата ");
 inline const QString _err_NotIntegerValue = QStringLiteral("Въведената стойност трябва да е целочислена");
 inline const QString _err_NotFloatValue = QStringLiteral("Въведената стойност трябва да е дробно число");
+
+inline const QString _err_TblFilterOperator = QStringLiteral("Не валиден оператор");
+inline const QString _err_TblFilterUnion = QStringLiteral("Не валиден съюз");
+inline const QString _err_TblFilterMissingValueForExpression =
+    QStringLiteral("Няма въведена стойност за логическото условие");
+inline const QString _err_TblFilterOption = QStringLiteral("Няма такава стойност: %s");  // what was typed
+inline const QString _inf_NoMatchesFound = QStringLiteral("Търсената стойност [%s] не е намерена!");
+inline const QString _inf_SearchByField = QStringLiteral("Tърсене в");  // " [" caption "]"
 
 // --- Rights; %s is the form identifier --------------------------------------------------------------------
 inline const QString _err_ReadNotAllowed = QStringLiteral("Забранен е прегледа на данни за форма с код : %s");

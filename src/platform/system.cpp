@@ -10,6 +10,9 @@
 #ifdef Q_OS_UNIX
 #include <unistd.h>
 #endif
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 namespace kalvor {
 namespace {
@@ -43,6 +46,40 @@ QString hostProgramName()
 }
 
 QString hostProgramFolder() { return asFolder(QCoreApplication::applicationDirPath()); }
+
+QString operatingSystemFolder()
+{
+#ifdef Q_OS_WIN
+  return asFolder(qEnvironmentVariable("SystemRoot"));
+#else
+  return QStringLiteral("/etc/");
+#endif
+}
+
+QString systemSettingsFolder()
+{
+  const QString named = qEnvironmentVariable("KALVOR_SYSTEM_SETTINGS");
+  if (!named.isEmpty())
+    return asFolder(named);
+#ifdef Q_OS_WIN
+  return operatingSystemFolder() + QStringLiteral("System32\\");
+#else
+  return QStringLiteral("/etc/kalvor/");
+#endif
+}
+
+QString shortFolderName(const QString& folder)
+{
+#ifdef Q_OS_WIN
+  wchar_t name[MAX_PATH];
+  const DWORD size = GetShortPathNameW(reinterpret_cast<const wchar_t*>(folder.utf16()), name, MAX_PATH);
+  if (size > 0 && size < MAX_PATH)
+    return QString::fromWCharArray(name, int(size));
+#endif
+  return folder;
+}
+
+QString computerName() { return QSysInfo::machineHostName(); }
 
 QString systemProductName() { return QSysInfo::prettyProductName(); }
 

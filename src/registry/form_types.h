@@ -58,9 +58,12 @@ struct TFormData {
   QString LineColors;      // XML
 };
 
+// The frame of a dialog's window, as TDialogParams numbers it.
+enum TFormBorderStyle : int { bsNone, bsSingle, bsSizeable, bsDialog, bsToolWindow, bsSizeToolWin };
+
 struct TDialogParams {
   QString HintCaption, HintText, PageCaption;
-  int BorderStyle = 0;
+  int BorderStyle = bsDialog;
   int IntegerValue = 0;
   VariantArray Values;
 };

@@ -1,5 +1,6 @@
 #include "session/dm.h"
 
+#include "common/threads.h"
 #include "platform/system.h"
 #include "session/error_log.h"
 #include "session/server_calls.h"
@@ -33,6 +34,7 @@ TDM::TDM(HostApplication& host, std::unique_ptr<RemoteCalls> broker)
 TDM::~TDM()
 {
   DataModuleDestroy();
+  TExecuteScriptTread::finishScripts();
   if (DM == this)
     DM = nullptr;
 }

@@ -2,6 +2,8 @@
 
 #include <QDir>
 
+#include "platform/system.h"
+
 namespace kalvor {
 
 ISplashIntf::~ISplashIntf() = default;
@@ -10,7 +12,7 @@ HostApplication::~HostApplication() = default;
 
 QString HostApplication::systemSettingsFolder() const
 {
-  const QString folder = QStringLiteral("/etc/kalvor/");
+  const QString folder = kalvor::systemSettingsFolder();
   return QDir(folder).exists() ? folder : QString();
 }
 

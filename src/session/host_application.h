@@ -54,7 +54,7 @@ class KALVOR_RULES HostApplication {
   virtual void terminate() = 0;                     // the user gave up at the log-in
   virtual ISplashIntf* activeSplash() = 0;          // null when the active window offers none
   virtual std::unique_ptr<LoginDialog> createLoginDialog(RemoteCalls& calls, SocketConnection& connection) = 0;
-  // Shows the settings form modally. Gives the address and port that stand in it when it is closed.
+  // Shows the settings form modally. Gives the address and port that were accepted there, else the current ones.
   virtual ServerPlace editSettings(SettingsPages pages, const ServerPlace& current) = 0;
   virtual quint32 buttonFaceColor() const = 0;      // 0xAARRGGBB
   virtual QString systemSettingsFolder() const;     // with the separator at its end; empty = there is none

@@ -37,4 +37,15 @@ TIniOptions iniOptionsFromLines(const QStringList& lines)
   return options;
 }
 
+bool settingBool(const QString& text, bool otherwise)
+{
+  bool isNumber = false;
+  const int number = text.trimmed().toInt(&isNumber);
+  if (isNumber)
+    return number != 0;
+  if (text.trimmed().compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
+    return true;
+  return text.trimmed().compare(QLatin1String("false"), Qt::CaseInsensitive) == 0 ? false : otherwise;
+}
+
 }  // namespace kalvor

@@ -25,5 +25,7 @@ KALVOR_RULES TIniOptions iniOptionsFromLines(const QStringList& lines);
 
 // Booleans as settings hold them.
 inline QString settingText(bool value) { return value ? QStringLiteral("-1") : QStringLiteral("0"); }
+// A number (0 = false), or "True" and "False" in any case; anything else is the given value.
+KALVOR_RULES bool settingBool(const QString& text, bool otherwise);
 
 }  // namespace kalvor

@@ -1,15 +1,9 @@
 #include "session/password_digest.h"
 
-#include <QCryptographicHash>
-
-#include "platform/text_encoding.h"
+#include "common/message_digest.h"
 
 namespace kalvor {
 
-QString passwordDigest(const QString& password)
-{
-  const QByteArray digest = QCryptographicHash::hash(toWindows1251(password), QCryptographicHash::Md5);
-  return QString::fromLatin1(digest.toHex());
-}
+QString passwordDigest(const QString& password) { return MD5Print(MD5String(password)); }
 
 }  // namespace kalvor

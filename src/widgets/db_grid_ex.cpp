@@ -4,6 +4,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
+#include <QSignalBlocker>
 #include <QScrollBar>
 
 #include "widgets/grid_footer.h"
@@ -111,13 +112,24 @@ void TDBGridEx::updateGeometries()
     return;  // the margin set below resizes the viewport, which comes here again
   }
   const QScopedValueRollback<bool> guard(placing_, true);
-  TDBGrid::updateGeometries();
   if (!footerVisible()) {
+    TDBGrid::updateGeometries();
     if (QMargins margins = viewportMargins(); margins.bottom() > 0) {
       margins.setBottom(0);
       setViewportMargins(margins);
     }
     return;
+  }
+  // The toolkit counts the rows that fit without the footer. Its count must not show and hide the scroll bar, which
+  // would resize the viewport and bring us here again, for ever where the last row just fits.
+  QScrollBar* bar = verticalScrollBar();
+  const int before = bar->maximum();
+  const int value = bar->value();
+  {
+    const QSignalBlocker quiet(bar);
+    TDBGrid::updateGeometries();
+    bar->setRange(0, before);
+    bar->setValue(value);
   }
   const int height = footer_->sizeHint().height();
   QMargins margins = viewportMargins();
@@ -128,10 +140,9 @@ void TDBGridEx::updateGeometries()
   QRect rowHeader = verticalHeader()->geometry();
   rowHeader.setHeight(view.height());
   verticalHeader()->setGeometry(rowHeader);
-  // The toolkit counted the rows that fit without the footer.
   const int fitting = qMax(1, view.height() / qMax(1, verticalHeader()->defaultSectionSize()));
-  verticalScrollBar()->setRange(0, qMax(0, model()->rowCount() - fitting));
-  verticalScrollBar()->setPageStep(fitting);
+  bar->setRange(0, qMax(0, model()->rowCount() - fitting));
+  bar->setPageStep(fitting);
 }
 
 void TDBGridEx::scrollContentsBy(int dx, int dy)

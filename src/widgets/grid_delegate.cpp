@@ -21,23 +21,6 @@ namespace {
 // The toolkit's edit keeps two pixels itself, and the editor stands one inside the cell.
 constexpr int inEditor = spacing::cellPadding - 3;
 
-void drawButtonMark(QPainter* painter, const QRect& rect, CellEditorKind kind, const QColor& color)
-{
-  painter->save();
-  painter->setRenderHint(QPainter::Antialiasing);
-  painter->setPen(Qt::NoPen);
-  painter->setBrush(color);
-  const QPointF middle = QRectF(rect).center();
-  if (kind == CellEditorKind::Selector) {
-    for (const qreal x : {-4.0, 0.0, 4.0}) {
-      painter->drawEllipse(middle + QPointF(x, 2), 1.1, 1.1);
-    }
-  } else {
-    painter->drawPolygon(QPolygonF{middle + QPointF(-4, -2), middle + QPointF(4, -2), middle + QPointF(0, 2.5)});
-  }
-  painter->restore();
-}
-
 }  // namespace
 
 GridDelegate::GridDelegate(TDBGrid* grid) : QAbstractItemDelegate(grid), grid_(grid) {}
@@ -97,7 +80,8 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     QRect textRect = option.rect.adjusted(spacing::cellPadding, 0, -spacing::cellPadding - 1, 0);
     if (buttonShown) {
       textRect.setRight(textRect.right() - option.rect.height() + spacing::tight);
-      drawButtonMark(painter, buttonRect(option.rect), column.editor.kind, theme().accent);
+      drawCellMark(painter, buttonRect(option.rect),
+                   column.editor.kind == CellEditorKind::Selector ? CellMark::Ellipsis : CellMark::DropDown, theme().accent);
     }
     QString text = open ? field->DisplayTextAt(index.row()) : QString();
     text.replace(u'\n', u' ').remove(u'\r');

@@ -26,6 +26,23 @@ void drawCheckBox(QPainter* painter, const QRectF& around, CheckLook look, bool 
   painter->restore();
 }
 
+void drawCellMark(QPainter* painter, const QRect& rect, CellMark mark, const QColor& color)
+{
+  painter->save();
+  painter->setRenderHint(QPainter::Antialiasing);
+  painter->setPen(Qt::NoPen);
+  painter->setBrush(color);
+  const QPointF middle = QRectF(rect).center();
+  if (mark == CellMark::Ellipsis) {
+    for (const qreal x : {-4.0, 0.0, 4.0}) {
+      painter->drawEllipse(middle + QPointF(x, 2), 1.1, 1.1);
+    }
+  } else {
+    painter->drawPolygon(QPolygonF{middle + QPointF(-4, -2), middle + QPointF(4, -2), middle + QPointF(0, 2.5)});
+  }
+  painter->restore();
+}
+
 void drawPolygon(QPainter* painter, const QPolygonF& shape, const QColor& color)
 {
   painter->save();

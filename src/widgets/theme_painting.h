@@ -5,6 +5,7 @@
 
 class QPainter;
 class QColor;
+class QRect;
 class QRectF;
 
 namespace kalvor {
@@ -14,6 +15,9 @@ enum class CheckLook : quint8 { Unchecked, Checked, Mixed };
 constexpr int checkBoxSide = 16;
 
 void drawCheckBox(QPainter* painter, const QRectF& around, CheckLook look, bool enabled, bool focused);
+// What the current cell of a grid offers at its right edge.
+enum class CellMark : quint8 { DropDown, Ellipsis };
+void drawCellMark(QPainter* painter, const QRect& rect, CellMark mark, const QColor& color);
 void drawPolygon(QPainter* painter, const QPolygonF& shape, const QColor& color);
 
 }  // namespace kalvor

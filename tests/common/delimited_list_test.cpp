@@ -54,6 +54,9 @@ class DelimitedListTest : public QObject {
     QCOMPARE(GetPosOfItem("a;b;c", ";", " c "), 2);
     QCOMPARE(GetPosOfItem("a;b;c", ";", "A"), -1);
     QCOMPARE(GetPosOfItem("", ";", ""), 0);
+    QString blanks = "a b  ";  // two items, three separators
+    SetItemAtPos(blanks, " ", "X", 3);
+    QCOMPARE(blanks, QString("a b  "));
   }
 };
 

@@ -1,10 +1,15 @@
+#include <QMenu>
 #include <QSignalSpy>
+#include <QSpinBox>
+#include <QTimer>
 
 #include "../several_tests.h"
 #include "forms/form_filters.h"
 #include "forms/windows/cds_options.h"
+#include "forms/windows/columns_dialog.h"
 #include "sample_forms.h"
 #include "session/settings_document.h"
+#include "session/windows/settings_form.h"
 #include "session/ini_options.h"
 #include "widgets/db_grid_ex.h"
 
@@ -199,6 +204,77 @@ class ListFormTest : public QObject {
     auto* chooser = desk.open<TfBrContragent>(contragents, ShowOption(so_SelectMulty));
     QVERIFY(chooser->formFilter().isEmpty());
     IniOptions = {};
+  }
+
+  void aGridKeepsItsViewWhileTheOptionIsOn()
+  {
+    Desk desk;
+    const auto stored = [&desk](const QString& group) {
+      QStringList lines;
+      GetNodeFromXml(desk.session.dm->UserSettings->document, group, lines);
+      return lines;
+    };
+    const QString group = QStringLiteral("Form_Id140Tag_Id0");
+    auto* list = desk.open<TfBrContragent>(contragents);
+    list->dbgMaster()->moveColumn(QStringLiteral("Name"), 0);
+    emit list->dbgMaster()->columnLayoutChanged();
+    QCOMPARE(stored(group), QStringList());
+    IniOptions = {false, false, true, false, false};
+    list->dbgMaster()->setColumnCharacters(QStringLiteral("Name"), 44);
+    emit list->dbgMaster()->columnLayoutChanged();
+    QCOMPARE(stored(group).value(0), QStringLiteral("Name=44"));
+
+    auto* second = desk.open<TfBrContragent>(contragents);
+    QVERIFY(second != list);
+    QCOMPARE(second->dbgMaster()->shownField(0)->FieldName(), QStringLiteral("Name"));
+    QCOMPARE(second->dbgMaster()->columnCharacters(QStringLiteral("Name")), 44);
+    QVERIFY(!second->dbgMaster()->columnVisible(QStringLiteral("Id")));
+    IniOptions = {};
+    auto* third = desk.open<TfBrContragent>(contragents);
+    QVERIFY(third->dbgMaster()->shownField(0)->FieldName() != QLatin1String("Name"));
+  }
+
+  void theGridsMenuChangesItsColumns()
+  {
+    Desk desk;
+    auto* list = desk.open<TfBrContragent>(contragents);
+    QAction* entry = list->action(QStringLiteral("acColumnsProps"));
+    QVERIFY(entry && list->gridMenu()->actions().contains(entry));
+    QCOMPARE(entry->text(), QStringLiteral("Настройка на колони"));
+    list->dbgMaster()->setFocus();
+    QTimer::singleShot(0, list, [] {
+      auto* dialog = qobject_cast<TfColumnsProps*>(QApplication::activeModalWidget());
+      dialog->speFixed->setValue(2);
+      dialog->btnOkClick();
+    });
+    entry->trigger();
+    QCOMPARE(list->dbgMaster()->fixedColumns(), 2);
+  }
+
+  void settingsOpenAsAChildWindow()
+  {
+    Desk desk;
+    RegisterFormClass(formClass<TfSettings>());
+    QCOMPARE(RequestForm(250), 3);
+    auto* settings = desk.last<TfSettings>();
+    QVERIFY(settings && settings->isVisible());
+    QVERIFY(desk.window.titles.contains(QStringLiteral("Настройки")));
+    const QString id = settings->uniqueId();
+    QTest::keyClick(settings->ebxPort, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(desk.window.told.contains(QStringLiteral("gone:") + id));
+    QVERIFY(desk.window.area.subWindowList().isEmpty());
+  }
+
+  void settingsNeedTheRightToRead()
+  {
+    Desk desk(QStringLiteral("GUEST"));
+    RegisterFormClass(formClass<TfSettings>());
+    QCOMPARE(RequestForm(250), 0);
+    QCOMPARE(desk.prompt.messages.size(), 1);
+    QVERIFY2(desk.prompt.messages.first().startsWith(QStringLiteral("Забранен е прегледа на данни за форма с код : 250")),
+             qPrintable(desk.prompt.messages.first()));
+    QVERIFY(desk.window.area.subWindowList().isEmpty());
   }
 
   void aListHandsTheChosenRecordsBack()

@@ -1,9 +1,9 @@
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include "platform/system.h"
 #include "platform/text_encoding.h"
 #include "scripted_ports.h"
+#include "several_tests.h"
 
 using namespace kalvor;
 
@@ -74,5 +74,5 @@ class PlatformTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(PlatformTest)
+static const testing::RegisterTest<PlatformTest> registerPlatformTest;
 #include "platform_test.moc"

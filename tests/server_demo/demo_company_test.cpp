@@ -88,7 +88,7 @@ class DemoCompanyTest : public QObject {
         << 0;
     QTest::newRow("rights of the guest") << "S_Rights WHERE User_Id = 'GUEST'" << 0;
     QTest::newRow("rows of the clerk filtered")
-        << "S_Rights WHERE User_Id = 'CLERK' AND SecurityFilter IS NOT NULL" << 2;
+        << "S_Rights WHERE User_Id = 'CLERK' AND SecurityFilter IS NOT NULL" << 3;
     QTest::newRow("auditor cannot change")
         << "S_Rights WHERE User_Id = 'AUDITOR' AND EditRight + InsertRight + DeleteRight > 0" << 0;
     QTest::newRow("inactive") << "N_Users WHERE Active = 0" << 1;
@@ -106,6 +106,23 @@ class DemoCompanyTest : public QObject {
                                                          "WHERE Item_Id = N_Item.Id AND N_ItemMeasure.Measure_Id = "
                                                          "N_Item.Measure_Id AND QtyPerUnitOfMeasure = 1000000)"
                                                       << 0;
+    QTest::newRow("objects without a way to be paid")
+        << "N_BusinessGroup, N_PaymentMethod WHERE N_BusinessGroup.Comp_Id = N_PaymentMethod.Comp_Id AND NOT EXISTS "
+           "(SELECT 1 FROM N_CashBankOperation WHERE BusinessGroup_Id = N_BusinessGroup.Id AND PaymentMethod_Id = "
+           "N_PaymentMethod.Id)"
+        << 0;
+    QTest::newRow("goods without an average cost")
+        << "N_Item WHERE Type = 1 AND UnitCost > 0 AND NOT EXISTS (SELECT 1 FROM G_ItemValueEntry WHERE Item_Id = N_Item.Id "
+           "GROUP BY Item_Id HAVING SUM(CostAmount) * 1.0 / SUM(Quantity) * 1000000 BETWEEN UnitCost * 0.93 AND UnitCost * 1.05)"
+        << 0;
+    QTest::newRow("finished invoices without their entry")
+        << "D_SaleInvoiceHeader WHERE DocStatus = 1 AND NOT EXISTS (SELECT 1 FROM G_ContragentEntry WHERE Document_Id = "
+           "D_SaleInvoiceHeader.Id AND Amount_LCY = TotalVAT_LCY AND Opened = (Remaining <> 0))"
+        << 0;
+    QTest::newRow("entries that do not add up")
+        << "(SELECT 1 FROM G_ContragentEntry GROUP BY REPLACE(DocumentNo, 'PAY-', ''), Comp_Id "
+           "HAVING SUM(Amount) <> SUM(Remaining) OR SUM(Amount_LCY) <> SUM(Remaining_LCY))"
+        << 0;
     QTest::newRow("numbers given twice")
         << "(SELECT DocumentNo FROM D_SaleInvoiceHeader GROUP BY Comp_Id, DocumentNo HAVING COUNT(*) > 1)" << 0;
   }
@@ -114,6 +131,38 @@ class DemoCompanyTest : public QObject {
   {
     QFETCH(QString, what);
     QTEST(database_->value(QStringLiteral("SELECT COUNT(*) FROM ") + what).toInt(), "count");
+  }
+
+  // So that every answer of a look-up and a check can be met in the first company.
+  void somethingOfEverything_data()
+  {
+    QTest::addColumn<QString>("what");
+    QTest::newRow("contractor's prices") << "N_ItemPrice WHERE Side = 1 AND Contragent_Id IS NOT NULL AND Currency_Id IS NULL";
+    QTest::newRow("supplier's prices") << "N_ItemPrice WHERE Side = 0 AND Contragent_Id IS NOT NULL";
+    QTest::newRow("group prices") << "N_ItemPrice WHERE PriceGroup_Id IS NOT NULL";
+    QTest::newRow("steps") << "N_ItemPrice WHERE MinQuantity > 0 AND Contragent_Id IS NULL";
+    QTest::newRow("periods") << "N_ItemPrice WHERE EndDate IS NOT NULL";
+    QTest::newRow("prices with VAT") << "N_ItemPrice WHERE PriceIncludingVAT = 1";
+    QTest::newRow("prices without invoice discount") << "N_ItemPrice WHERE AllowInvoiceDisc = 0";
+    QTest::newRow("prices of boxes") << "N_ItemPrice JOIN N_Item ON N_Item.Id = Item_Id WHERE N_ItemPrice.Measure_Id <> N_Item.Measure_Id";
+    QTest::newRow("special prices") << "N_ItemDiscount WHERE SpecialPrice > 0 AND DiscountPercent = 0";
+    QTest::newRow("special prices with a percent") << "N_ItemDiscount WHERE SpecialPrice > 0 AND DiscountPercent > 0";
+    QTest::newRow("contractor's discounts") << "N_ItemDiscount WHERE Contragent_Id IS NOT NULL";
+    QTest::newRow("discounts of a sub-type") << "N_ItemDiscount WHERE SubDocument_Id IS NOT NULL";
+    QTest::newRow("discounts of purchases") << "N_ItemDiscount WHERE Side = 0";
+    const QString debtors = QStringLiteral("(SELECT 1 FROM G_ContragentEntry JOIN N_Contragent ON N_Contragent.Id = Contragent_Id "
+                                           "WHERE Opened = 1 AND N_Contragent.Comp_Id = '1' GROUP BY N_Contragent.Id HAVING %1)");
+    QTest::newRow("above the credit limit") << debtors.arg(QStringLiteral("SUM(Remaining_LCY) > MAX(CreditLimit)"));
+    QTest::newRow("within it") << debtors.arg(QStringLiteral("SUM(Remaining_LCY) < MAX(CreditLimit)"));
+    QTest::newRow("overdue") << debtors.arg(QStringLiteral("MIN(DueDate) < '20260630'"));
+    QTest::newRow("not overdue") << debtors.arg(QStringLiteral("MIN(DueDate) > '20300101'"));
+    QTest::newRow("paid in part") << "G_ContragentEntry WHERE Opened = 1 AND Remaining < Amount";
+  }
+
+  void somethingOfEverything()
+  {
+    QFETCH(QString, what);
+    QVERIFY(database_->value(QStringLiteral("SELECT COUNT(*) FROM ") + what).toInt() > 0);
   }
 
   void identificationCodesAreValid()

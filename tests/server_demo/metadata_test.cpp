@@ -19,7 +19,7 @@ class MetadataTest : public QObject {
     QVERIFY(loadMetadata(*database_, embeddedMetadata(), ExistingRows::Keep) > 30);
   }
 
-  void theProgramsOwnFormsAreSound() { QCOMPARE(checkMetadata(*database_), QStringList()); }
+  void theProgramsOwnFormsAreSound() { QCOMPARE(checkMetadata(*database_).join(u'\n'), QString()); }
 
   // As the server reads them: every query usable, every field known by its name and its filter name.
   void theServerUnderstandsThem()
@@ -56,6 +56,7 @@ class MetadataTest : public QObject {
     QTest::newRow("invoice lines") << 121 << 1 << "TfEdSaleInvoice" << "D_SaleInvoiceLine";
     QTest::newRow("contractors") << 140 << 0 << "TfBrContragent" << "N_Contragent";
     QTest::newRow("item") << 151 << 0 << "TfEdItem" << "N_Item";
+    QTest::newRow("a dialog without data") << 250 << 0 << "TfSettings" << "";
     QTest::newRow("measures") << 160 << 0 << "TfBrNomenclature" << "N_Measure";
   }
 

@@ -10,7 +10,6 @@
 #include "scratch_documents.h"
 #include "scripted_ports.h"
 #include "scripted_session.h"
-#include "session/windows/connection_dialog.h"
 #include "session/windows/login_dialog.h"
 #include "widgets/theme.h"
 
@@ -202,20 +201,6 @@ class LoginDialogTest : public QObject {
     desk.show(dialog);
     QTRY_COMPARE(desk.prompt.messages, QStringList{"няма GetBGroupsList"});
     QCOMPARE(dialog.cbCompany->currentText(), u"Калвор Демо ЕООД"_s);
-  }
-
-  void connectionIsWrittenDown()
-  {
-    Desk desk;
-    ConnectionDialog dialog({u"127.0.0.1"_s, 2030});
-    dialog.findChild<QLineEdit*>(u"serverAddress"_s)->setText(u" 10.0.0.7 "_s);
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowActive(&dialog));
-    QTest::keyClick(&dialog, Qt::Key_Return);
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(
-        desk.documents.read(u"Kalvor/client.ini"_s),
-        QByteArray("[User]\nUser=AB\nObject=8\nCompany=5\n\n[Server]\nServerPort=2030\nServerAddress=10.0.0.7\n"));
   }
 };
 

@@ -389,6 +389,25 @@ class TestGrid : public QObject {
     QVERIFY(rectOf("Code").left() < 0);
   }
 
+  // Where the last row just fits, the grid must come to rest: a layout that goes on for ever holds the program.
+  void theFooterComesToRestAtEveryHeight()
+  {
+    GridForm form(8);
+    form.grid->setFooterVisible(true);
+    const int all = form.grid->horizontalHeader()->length() + form.grid->verticalHeader()->width();
+    for (int width = all - 20; width <= all + 40; width += 10) {
+      for (int height = 150; height <= 330; height += 2) {
+        form.window.resize(width, height);
+        for (int turn = 0; turn < 20; ++turn) {
+          QCoreApplication::sendPostedEvents(form.grid, QEvent::LayoutRequest);
+          QCoreApplication::processEvents();
+        }
+        const bool scrolls = form.grid->verticalScrollBar()->maximum() > 0;
+        QCOMPARE(form.grid->verticalScrollBar()->isVisible(), scrolls);
+      }
+    }
+  }
+
   void footerStandsUnderTheColumns()
   {
     GridForm form;

@@ -12,10 +12,13 @@
 
 #include "data/client_dataset.h"
 #include "filters/filter_expression.h"
+#include "filters/selector_macros.h"
+#include "filters/windows/table_filter.h"
 #include "forms/field_metadata.h"
 #include "forms/form_settings.h"
 #include "platform/ports.h"
 #include "registry/windows/date_selector.h"
+#include "registry/windows/selector_button.h"
 #include "session/dm.h"
 #include "session/error_log.h"
 #include "session/ini_options.h"
@@ -109,6 +112,8 @@ struct TfFilterFields::Private {
   QComboBox* value = nullptr;
   QCheckBox* addToFilter = nullptr;
   QCheckBox* fullMatch = nullptr;
+  TSelectorButton* selectorButton = nullptr;
+  bool ownerHeld = false;
 
   static Kind kindOf(const TField* field)
   {
@@ -195,6 +200,13 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
     d->value->setEditable(true);
     d->value->setInsertPolicy(QComboBox::NoInsert);
     d->value->setCompleter(nullptr);
+    if (d->kind == Private::Kind::Selector && !d->description.isNull(FieldColumn::SelectorDesc)) {
+      d->selectorButton = new TSelectorButton(d->value->lineEdit(), this,
+                                              d->description.text(FieldColumn::SelectorDesc), field->DataSet());
+      d->selectorButton->selector()->FieldName = field->FieldName();
+      RemoveSelectorFilterLinesWithFieldRels(*d->selectorButton->selector());
+      d->value->lineEdit()->setTextMargins(0, 0, d->selectorButton->width(), 0);
+    }
     if (d->kind == Private::Kind::Date && (field->FieldDataType() == DataType::Date ||
                                            field->FieldDataType() == DataType::DateTime)) {
       auto* button = new EditButton(d->value->lineEdit());
@@ -203,17 +215,27 @@ TfFilterFields::TfFilterFields(IBaseIntf* owner, int formId, TField* field, cons
       connect(button, &QAbstractButton::clicked, this, [this] { showDateSelector(d->value->lineEdit()); });
     }
   }
-  setValue(d->kind == Private::Kind::YesNo ? (startValue == QLatin1String("1") ? yesText : noText) : startValue);
+  setValue(d->kind == Private::Kind::YesNo     ? (startValue == QLatin1String("1") ? yesText : noText)
+           : d->kind == Private::Kind::Options ? optionText(d->description.options(), startValue)
+                                               : startValue);
 }
 
 TfFilterFields::~TfFilterFields()
 {
-  d->owner->SetActiveSelector(nullptr);
+  releaseOwner();
+}
+
+void TfFilterFields::releaseOwner()
+{
+  if (std::exchange(d->ownerHeld, false)) {
+    d->owner->SetActiveSelector(nullptr);
+  }
 }
 
 void TfFilterFields::DoShowFieldFilter()
 {
   d->owner->SetActiveSelector(this);
+  d->ownerHeld = true;
   const QStringList lines = filterSettings(d->formId);
   d->addToFilter->setChecked(storedSwitch(lines, QStringLiteral("AddToFilter"), true));
   d->fullMatch->setChecked(storedSwitch(lines, QStringLiteral("FullMatch"), false));
@@ -277,14 +299,27 @@ void TfFilterFields::btnOKClick()
 void TfFilterFields::btnTableClick()
 {
   reject();
+  releaseOwner();
   if (d->tableFilterAction) {
+    FieldCaption = d->description.text(FieldColumn::Caption);
+    if (FieldCaption.isEmpty()) {
+      FieldCaption = d->field->DisplayLabel;
+    }
+    fieldValue = value();
     d->tableFilterAction->trigger();
   }
 }
 
+TSelector* TfFilterFields::selector() const
+{
+  return d->selectorButton ? d->selectorButton->selector() : nullptr;
+}
+
 void TfFilterFields::ExecuteSelector()
 {
-  // Look-ups of a criterion come with the selectors.
+  if (d->selectorButton) {
+    d->selectorButton->click();
+  }
 }
 
 void TfFilterFields::SetSelectorForm(QObject*) {}
@@ -292,18 +327,12 @@ void TfFilterFields::SelectorFormSaved(QObject*, const QString&) {}
 
 bool TfFilterFields::ProcessSelectedRecords(const TSelectionList& selection, ShowOption)
 {
-  QStringList texts;
-  for (const TRecordLine& line : selection) {
-    for (const TFieldSet& item : line) {
-      if (item.KeyField) {
-        texts.append(variantText(item.Value));
-      }
-    }
+  const TSelectorItem item = selector() ? selector()->Items.value(selector()->GetIndex()) : TSelectorItem();
+  const QString chosen = chosenFilterValue(selection, item.SourceFields, item.TargetFields, d->field->FieldName());
+  if (!chosen.isEmpty()) {
+    setValue(chosen);
   }
-  if (!texts.isEmpty()) {
-    setValue(texts.join(u'|'));
-  }
-  return !texts.isEmpty();
+  return !chosen.isEmpty();
 }
 
 }  // namespace kalvor

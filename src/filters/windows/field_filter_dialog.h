@@ -10,6 +10,8 @@ class QAction;
 
 namespace kalvor {
 
+class TSelector;
+
 class BASE_PACKAGE TfFilterFields : public QDialog, public IFieldFilterIntf {
   Q_OBJECT
  public:
@@ -25,6 +27,8 @@ class BASE_PACKAGE TfFilterFields : public QDialog, public IFieldFilterIntf {
   void btnTableClick();
   void ExecuteSelector();
 
+  // Of a field that has one, else null.
+  TSelector* selector() const;
   // The criterion, as the editor shows it, and as the filter language reads it.
   QString value() const;
   void setValue(const QString& text);
@@ -35,6 +39,7 @@ class BASE_PACKAGE TfFilterFields : public QDialog, public IFieldFilterIntf {
   void SelectorFormSaved(QObject* form, const QString& recordId) override;
 
  private:
+  void releaseOwner();  // the lookups of the form are its own again
   struct Private;
   std::unique_ptr<Private> d;
 };

@@ -1,14 +1,19 @@
 #include "forms/windows/base_edit.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+
 #include "forms/form_filters.h"
 #include "forms/messages.h"
 #include "forms/record_saving.h"
+#include "forms/windows/barcode_entry.h"
 #include "forms/windows/cds_options.h"
 #include "forms/windows/form_focus.h"
 #include "forms/windows/form_server.h"
 #include "forms/windows/save_request.h"
 #include "common/sql_text.h"
 #include "platform/ports.h"
+#include "session/dm.h"
 #include "session/error_log.h"
 
 namespace kalvor {
@@ -77,6 +82,7 @@ void TfBaseEdit::deleteMasterRecord()
   action(QStringLiteral("acDeleteRecord"))->setEnabled(false);
   const TField* idField = cdsMaster_->FindField(u"Id");
   const QString id = idField ? idField->AsString() : QString();
+  const bool othersUnsaved = cdsMaster_->ChangeCount() > 0;
   const bool deleted = runGuarded(QStringLiteral("TfBase.acDeleteRecordExecute"), [this] {
     cdsMaster_->Delete();
     const VariantArray packet = buildSavePacket({{cdsMaster_, cdsOptions(0).ProviderName, {}}});
@@ -86,8 +92,8 @@ void TfBaseEdit::deleteMasterRecord()
     cdsMaster_->MergeChangeLog();
   });
   if (!deleted) {
-    // The record that the server did not delete is there again.
-    cdsMaster_->CancelUpdates();
+    // The record that the server did not delete is there again; what else is unsaved stays so.
+    othersUnsaved ? void(cdsMaster_->UndoLastChange(true)) : cdsMaster_->CancelUpdates();
     cdsMaster_->Locate(QStringLiteral("Id"), id);
   }
   UpdateActionState();
@@ -120,6 +126,46 @@ bool TfBaseEdit::FormCloseQuery()
     return runGuarded(QStringLiteral("TfBase.acCancelExecute"), [this] { acCancelExecute(); });
   }
   return false;
+}
+
+// --- Bar codes -------------------------------------------------------------------------------------------------
+
+void TfBaseEdit::BarcodeCallBack(const QString&, double, int) {}
+
+bool TfBaseEdit::FormKeyPress(QChar typed)
+{
+  if (!DM || typed != DM->BarcodeStart) {
+    return false;
+  }
+  if (!barcodeEntry_) {
+    barcodeEntry_ = new BarcodeEntry(
+        [this](const QString& code, double quantity, int kind) {
+          runGuarded(QStringLiteral("TfBaseEdit.BarcodeCallBack"), [&] { BarcodeCallBack(code, quantity, kind); });
+        },
+        this);
+  }
+  barcodeEntry_->start();
+  return true;
+}
+
+void TfBaseEdit::FormShow()
+{
+  qApp->installEventFilter(this);
+  TfBase::FormShow();
+}
+
+// Whatever control has the focus: a scanner types into all of them.
+bool TfBaseEdit::eventFilter(QObject* watched, QEvent* event)
+{
+  if (event->type() == QEvent::KeyPress && watched->isWidgetType()) {
+    auto* widget = static_cast<QWidget*>(watched);
+    const QString typed = static_cast<QKeyEvent*>(event)->text();
+    const bool inForm = isAncestorOf(widget) && widget->window() == window();
+    if (inForm && typed.size() == 1 && FormKeyPress(typed.at(0))) {
+      return true;
+    }
+  }
+  return TfBase::eventFilter(watched, event);
 }
 
 // --- Verbs -----------------------------------------------------------------------------------------------------

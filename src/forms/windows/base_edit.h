@@ -8,7 +8,9 @@ class QSplitter;
 
 namespace kalvor {
 
+class BarcodeEntry;
 class SaveRequest;
+class TDBGrid;
 class TDBGridEx;
 struct RecordPosition;
 struct SaveDataSet;
@@ -35,11 +37,17 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   void SaveDocument() override;
   // Between the server's yes and the discarding of the change logs.
   virtual void OnSaveBeforeGetData();
+  // A scanned code; kind 1 = a bar code of ours, else the number that the document's contractor uses.
+  virtual void BarcodeCallBack(const QString& code, double quantity, int kind);
+  // A character typed anywhere in the form, after the form's own keys. True: it began a bar code and is used up.
+  bool FormKeyPress(QChar typed);
+  void FormShow() override;
   bool lastSaveSucceeded() const { return lastSaveSucceeded_; }
 
  protected:
   // The numbering requests of the save; null when nothing is to be numbered. Raises when they cannot be built.
   virtual Variant GetOwnerData();
+  bool eventFilter(QObject* watched, QEvent* event) override;
   TClientDataSet* cdsMaster_;
 
  private:
@@ -51,6 +59,7 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   void deleteMasterRecord();
 
   std::unique_ptr<SaveRequest> saveRequest_;
+  QPointer<BarcodeEntry> barcodeEntry_;  // made when the first code comes
   bool lastSaveSucceeded_ = true;
 };
 
@@ -92,7 +101,7 @@ class BASE_PACKAGE TfBaseEditMasterDetail : public TfBaseEditMaster {
 
  private:
   void requireEditableDocument();
-  void deleteLines();
+  void deleteLines(TDBGrid& grid);
 };
 
 }  // namespace kalvor

@@ -160,35 +160,37 @@ void TfBaseEditMasterDetail::acDeleteRecordExecute()
 {
   requireDeleteRight();
   TDBGrid* grid = focusedGrid(this);
-  if (grid && grid->dataSet() != cdsMaster_) {
-    deleteLines();
+  if (grid && grid->dataSet() && grid->dataSet() != cdsMaster_) {
+    deleteLines(*grid);
   } else if (confirm(_que_ConfirmDocumentDelete)) {
     TfBaseEditMaster::acDeleteRecordExecute();
   }
 }
 
-// Local until the next save.
-void TfBaseEditMasterDetail::deleteLines()
+// Local until the next save. A line that is only being entered goes with its entry.
+void TfBaseEditMasterDetail::deleteLines(TDBGrid& grid)
 {
-  if (cdsDetail_->IsEditing()) {
-    cdsDetail_->Cancel();
+  TClientDataSet* lines = grid.dataSet();
+  const QList<Bookmark> marked = grid.markedRecords();
+  const bool entered = lines->State() == DataSetState::Insert && marked.isEmpty();
+  if (lines->IsEditing()) {
+    lines->Cancel();
   }
-  const QList<Bookmark> marked = dbgDetail_->markedRecords();
-  if (marked.isEmpty() && cdsDetail_->IsEmpty()) {
+  if (entered || (marked.isEmpty() && lines->IsEmpty())) {
     return;
   }
   requireEditableDocument();
   if (marked.isEmpty()) {
-    cdsDetail_->Delete();
+    lines->Delete();
     return;
   }
-  const ControlsDisabledScope quiet(cdsDetail_);
+  const ControlsDisabledScope quiet(lines);
   for (const Bookmark line : marked) {
-    if (cdsDetail_->GotoBookmark(line)) {
-      cdsDetail_->Delete();
+    if (lines->GotoBookmark(line)) {
+      lines->Delete();
     }
   }
-  dbgDetail_->clearMarks();
+  grid.clearMarks();
 }
 
 void TfBaseEditMasterDetail::acToggleMasterDetailExecute()

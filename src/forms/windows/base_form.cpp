@@ -3,6 +3,8 @@
 #include <QMenu>
 
 #include "common/sql_text.h"
+#include "filters/windows/search_dialog.h"
+#include "filters/windows/table_filter.h"
 #include "forms/windows/base_form_private.h"
 #include "forms/field_metadata.h"
 #include "platform/ports.h"
@@ -41,6 +43,8 @@ TfBase::~TfBase()
       *event = nullptr;
     }
   }
+  delete d->tableFilter;
+  delete d->search;
   FormDestroy();
 }
 

@@ -227,12 +227,15 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   // False: details have unsaved changes and the user wants to keep them.
   bool mayLeaveRecord();
   void focusFirstControl();
+  void acRemoveFilterExecute();
   // A form that was opened on no record stays with this one.
   void becomeCardOf(const FilterArray& record);
   // A form that this one opened: it closes with this one.
   void adoptOpenedForm(QWidget* form);
   // The datasets' events; each ends with the handler that the form displaced.
   virtual void CDS_OnNewRecord(TClientDataSet* dataSet);
+  // By which filter name a detail dataset is the master record's: its base table and ".Master_ID".
+  virtual QString detailKeyField(int dsIndex) const;
   // A lookup's choice is in the record, all its values; meanwhile isPuttingChoice() was true.
   virtual void choicePut(TClientDataSet* dataSet);
   virtual void CDS_OnStateChange(TClientDataSet* dataSet);
@@ -251,6 +254,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
                          TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
   void bindActions();
+  void bindGridActions();
+  void acColumnsPropsExecute();
   void hookFields(TCDSOptions& entry);
   void hookDataSet(TClientDataSet* dataSet);
   void openWithDescription();
@@ -272,7 +277,11 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void backToField(TClientDataSet* dataSet, const QString& fieldName);
   void backFromLookup();
   void acFieldFilterExecute();
-  void acRemoveFilterExecute();
+  void acTableFilterExecute();
+  void acSortExecute();
+  void openTableFilter(const FilterArray& startFilter);
+  void askForFilter();
+  void showWindow();
   void acCopyNewExecute();
   void acExportExecute();
   void titleClicked(TDBGrid* grid, TField* field, TitleClick click);

@@ -32,7 +32,9 @@ void TfBase::bindActions()
       {"acCopyRecord", &TfBase::acCopyRecordExecute},
       {"acEditRecord", &TfBase::acEditRecordExecute},
       {"acFieldFilter", &TfBase::acFieldFilterExecute},
+      {"acTableFilter", &TfBase::acTableFilterExecute},
       {"acRemoveFilter", &TfBase::acRemoveFilterExecute},
+      {"acSort", &TfBase::acSortExecute},
       {"acRefresh", &TfBase::acRefreshExecute},
       {"acGetDetails", &TfBase::acGetDetailsExecute},
       {"acSelect", &TfBase::acSelectExecute},
@@ -47,6 +49,7 @@ void TfBase::bindActions()
   }
   setActionHandler(QStringLiteral("acFind"), [this] { FindDialogExecute(QString()); });
   setActionHandler(QStringLiteral("acClose"), [this] { windowOf(this)->close(); });
+  bindGridActions();
 }
 
 QAction* TfBase::action(const QString& name) const
@@ -179,8 +182,6 @@ void TfBase::BuildRaveFilter() {}
 void TfBase::ProcessCopyData() {}
 void TfBase::GetPrintDocument() {}
 void TfBase::ImportData() {}
-void TfBase::DoSaveGridView(TDBGrid*) {}
-void TfBase::DoLoadGridView(TDBGrid*) {}
 void TfBase::DoRecalcDocument() {}
 void TfBase::ApplyDataModificationColors() {}
 void TfBase::ApplyReadOnlyColors() {}

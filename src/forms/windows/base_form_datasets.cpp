@@ -78,7 +78,8 @@ bool TfBase::RequestDataSet(int dsIndex, const FilterArray& filter, const QStrin
   TCDSOptions& entry = cdsOptions(dsIndex);
   VariantArray descriptions;
   const ParameterArray parameters = dsIndex == 0 ? d->sqlParameters : ParameterArray();
-  if (requestData(sessionCalls(), d->formId, dsIndex, entry.ProviderName, filter, order, parameters, &descriptions) != 0) {
+  const int form = dsIndex == 0 && d->queryFormId != 0 ? d->queryFormId : d->formId;
+  if (requestData(sessionCalls(), form, dsIndex, entry.ProviderName, filter, order, parameters, &descriptions) != 0) {
     return false;
   }
   entry.FieldDescriptions = descriptions;
@@ -98,15 +99,19 @@ void TfBase::reopenMaster()
   UpdateActionState();
 }
 
+QString TfBase::detailKeyField(int dsIndex) const
+{
+  const TFormData* description = GetFromDataObject(QString::number(d->formId), dsIndex);
+  return (description ? description->BaseTable : QString()) + QStringLiteral(".Master_ID");
+}
+
 void TfBase::acGetDetailsExecute()
 {
   TClientDataSet* master = GetCdsMaster();
   const TField* id = master->FindField(u"ID");
   for (int index = 1; index < dataSetCount(); ++index) {
-    const TFormData* description = GetFromDataObject(QString::number(d->formId), index);
-    const QString table = description ? description->BaseTable : QString();
-    const FilterArray filter{{table + QStringLiteral(".Master_ID"), QStringLiteral("="), id ? id->AsString() : QString(),
-                              QString(), QString()}};
+    const FilterArray filter{{detailKeyField(index), QStringLiteral("="), id ? id->AsString() : QString(), QString(),
+                              QString()}};
     TClientDataSet* detail = cdsOptions(index).DataSet;
     if (RequestDataSet(index, filter, QString())) {
       const ControlsDisabledScope quiet(detail);
@@ -139,11 +144,12 @@ void TfBase::CDS_AfterOpen(TClientDataSet* dataSet)
   raisingLogged(QStringLiteral("TfBase.CDS_AfterOpen"), open);
 }
 
-// Fields outlive closing, and a filter applies the metadata again: each is hooked once.
+// Fields outlive closing, and a filter applies the metadata again: each is hooked once. One that another query had not,
+// and that is back, is a new object without a handler.
 void TfBase::hookFields(TCDSOptions& entry)
 {
   for (TField* field : entry.DataSet->Fields()) {
-    if (entry.HookedFields.contains(field->FieldName())) {
+    if (entry.HookedFields.contains(field->FieldName()) && field->OnValidate) {
       continue;
     }
     entry.HookedFields.insert(field->FieldName());

@@ -1,5 +1,8 @@
 // The form's filter: default, field filter, removal; ordering by a title click; searching.
 #include "filters/windows/field_filter_dialog.h"
+#include "filters/windows/search_dialog.h"
+#include "filters/windows/sort_dialog.h"
+#include "filters/windows/table_filter.h"
 #include "forms/field_metadata.h"
 #include "forms/form_filters.h"
 #include "forms/messages.h"
@@ -7,6 +10,7 @@
 #include "forms/windows/form_focus.h"
 #include "forms/windows/incremental_search.h"
 #include "platform/ports.h"
+#include "registry/windows/form_host.h"
 #include "widgets/db_grid_ex.h"
 
 namespace kalvor {
@@ -45,6 +49,8 @@ void TfBase::takeDefaultFilter(const QString& text)
     d->formFilter = decision.filter;
   } else if (decision.kind == DefaultFilterDecision::Kind::AskUser) {
     d->openEmpty = true;
+    d->tableFilterShown = true;
+    d->askedFilter = decision.filter;
   }
 }
 
@@ -59,6 +65,7 @@ void TfBase::SetPblFilter(const FilterArray& publicFilter, const ParameterArray&
   }
   d->formFilter = newFilter;
   d->hasFilter = !newFilter.isEmpty();
+  d->openEmpty = false;
   reopenMaster();
   if (GetCdsMaster()->Active()) {
     acGetDetailsExecute();
@@ -83,10 +90,59 @@ void TfBase::acFieldFilterExecute()
   const TCDSOptions* entry = GetCdsOptsByFld(field);
   const int row = EncodeFieldIndexFromTag(field->Tag);
   const VariantArray description = entry ? entry->FieldDescriptions.value(row).toList() : VariantArray();
-  const QString tableFilter = QStringLiteral("acTableFilter");
   TfFilterFields dialog(this, d->formId, field, description, startingCriterion(field, d->formFilter),
-                        field->DisplayLabel, d->actions.isBound(tableFilter) ? action(tableFilter) : nullptr, window());
+                        field->DisplayLabel, action(QStringLiteral("acTableFilter")), window());
   dialog.DoShowFieldFilter();
+}
+
+void TfBase::acTableFilterExecute()
+{
+  if (d->tableFilter) {
+    d->tableFilter->activateWindow();
+  } else if (GetCdsMaster() && QueryToSaveBeforeToDo()) {
+    openTableFilter(d->formFilter);
+  }
+}
+
+void TfBase::openTableFilter(const FilterArray& startFilter)
+{
+  auto* editor = new TfTableFilter(this, d->caption, cdsOptions(0).FieldDescriptions, GetCdsMaster(), startFilter, this);
+  d->tableFilter = editor;
+  connect(editor, &QDialog::finished, this, [this, editor] {
+    d->tableFilter = nullptr;
+    editor->deleteLater();
+  });
+  editor->DoShowTableFilter();
+}
+
+// A form whose default filter leaves a part to the user: it appears with what the user wants to see.
+void TfBase::askForFilter()
+{
+  openTableFilter(d->askedFilter);
+  connect(d->tableFilter, &QDialog::finished, this, [this](int result) {
+    if (result == QDialog::Accepted) {
+      showWindow();
+    } else if (!isVisible()) {
+      windowOf(this)->close();
+    }
+  });
+}
+
+void TfBase::acSortExecute()
+{
+  if (!GetCdsMaster() || !QueryToSaveBeforeToDo()) {
+    return;
+  }
+  TfSort dialog(window());
+  QString order = d->sortOrder;
+  if (dialog.ShowSortForm(GetCdsMaster(), order) != 1) {
+    return;
+  }
+  d->sortOrder = order;
+  const WaitCursorScope wait;
+  if (RequestDataSet(0, d->openEmpty ? noRowFilter() : requestFilter(), d->sortOrder)) {
+    reopenMaster();
+  }
 }
 
 void TfBase::acRemoveFilterExecute()
@@ -100,6 +156,7 @@ void TfBase::acRemoveFilterExecute()
   }
   d->formFilter.clear();
   d->hasFilter = false;
+  d->openEmpty = false;
   reopenMaster();
   if (IMainFormIntf* main = mainForm()) {
     main->SetHasFilter(false);
@@ -143,9 +200,17 @@ void TfBase::FindDialogExecute(const QString& text)
   if (!grid) {
     grid = findChild<TDBGrid*>();
   }
-  if (grid && grid->selectedField()) {
-    IncrementalSearch::start(grid, text);
+  if (!grid || !grid->selectedField()) {
+    return;
   }
+  if (!text.isEmpty()) {
+    IncrementalSearch::start(grid, text);
+    return;
+  }
+  if (!d->search) {
+    d->search = new TfSearch(this);
+  }
+  d->search->ShowSearchForm(grid);
 }
 
 }  // namespace kalvor

@@ -3,7 +3,10 @@
 #include <QCloseEvent>
 #include <QLayout>
 #include <QMdiSubWindow>
+#include <QTimer>
 
+#include "filters/windows/search_dialog.h"
+#include "filters/windows/table_filter.h"
 #include "forms/form_filters.h"
 #include "forms/messages.h"
 #include "forms/windows/base_form_private.h"
@@ -19,8 +22,6 @@ namespace kalvor {
 
 namespace {
 
-constexpr int cascadeDown = 29;
-constexpr int cascadeRight = 22;
 constexpr int largestWidth = 1280;  // what a window opens with fits a screen of 1366 x 768
 constexpr int largestHeight = 600;
 
@@ -73,10 +74,8 @@ void TfBase::openWithDescription()
   takeDefaultFilter(description.FormFilter);
   d->hasFilter = !d->formFilter.isEmpty();
   d->callerFilter = callerWithSecurityFilter(d->callerFilter, securityFilter());
-  if (!d->tableFilterShown) {
-    openMaster();
-    SetFormCaption(d->caption, d->captionFields);
-  }
+  openMaster();
+  SetFormCaption(d->caption, d->captionFields);
 }
 
 void TfBase::openMaster()
@@ -143,24 +142,13 @@ int TfBase::showModally()
 {
   d->modal = true;
   ModalFormDialog dialog(this, QApplication::activeWindow());
+  if (d->tableFilterShown) {
+    QTimer::singleShot(0, this, [this] { askForFilter(); });
+  }
   dialog.exec();
   deleteLater();
   return d->modalResult;
 }
-
-namespace {
-
-// A child window that would stick out of the area is made smaller, and moved in where that is not enough.
-void fitIntoArea(QMdiSubWindow* sub)
-{
-  const QSize space = sub->mdiArea()->viewport()->size();
-  const QSize room(space.width() - sub->x(), space.height() - sub->y());
-  sub->resize(sub->size().boundedTo(room).expandedTo(sub->minimumSizeHint()).boundedTo(space));
-  sub->move(qMax(0, qMin(sub->x(), space.width() - sub->width())),
-            qMax(0, qMin(sub->y(), space.height() - sub->height())));
-}
-
-}  // namespace
 
 void TfBase::showAsChild()
 {
@@ -173,16 +161,24 @@ void TfBase::showAsChild()
     connect(sub->mdiArea(), &QMdiArea::subWindowActivated, this, [this, sub](QMdiSubWindow* active) {
       active == sub ? FormActivate() : FormDeactivate();
     });
-    const auto children = int(sub->mdiArea()->subWindowList().size());
-    sub->move((children - 1) * cascadeRight, (children - 1) * cascadeDown);
+    cascadeChildWindow(sub);
   }
-  if (!d->tableFilterShown && !d->options.testFlag(so_DoNotShow)) {
-    show();
-    window->show();
-    if (sub && !sub->isMaximized())
-      fitIntoArea(sub);
-    focusFirstControl();
+  if (d->tableFilterShown) {
+    askForFilter();
+  } else if (!d->options.testFlag(so_DoNotShow)) {
+    showWindow();
   }
+}
+
+void TfBase::showWindow()
+{
+  QWidget* window = windowOf(this);
+  show();
+  window->show();
+  if (auto* sub = qobject_cast<QMdiSubWindow*>(window)) {
+    fitChildWindow(sub);
+  }
+  focusFirstControl();
 }
 
 void TfBase::closeWith(int modalResult)
@@ -234,6 +230,12 @@ bool TfBase::closeOpenedForms()
 void TfBase::FormClose()
 {
   d->stage = Private::Stage::Closed;
+  // They hold the form that is about to go.
+  for (QDialog* dialog : {static_cast<QDialog*>(d->tableFilter), static_cast<QDialog*>(d->search)}) {
+    if (dialog) {
+      dialog->reject();
+    }
+  }
   runGuarded(QStringLiteral("TfBase.FormClose"), [this] { SaveFormSetings(); });
   if (IMainFormIntf* main = mainForm()) {
     main->FormClosed(QString());

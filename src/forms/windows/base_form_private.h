@@ -13,6 +13,9 @@
 
 namespace kalvor {
 
+class TfSearch;
+class TfTableFilter;
+
 struct TfBase::Private {
   explicit Private(TfBase* form);
 
@@ -20,6 +23,7 @@ struct TfBase::Private {
   Stage stage = Stage::New;
   int formId = 0;
   int rightsFormId = 0;
+  int queryFormId = 0;                        // whose query the master shows; 0 = the form's own
   ShowOption options;
   QString uniqueId;
   std::vector<std::unique_ptr<TCDSOptions>> dataSets;  // entries keep their place
@@ -46,6 +50,9 @@ struct TfBase::Private {
   QHash<const TClientDataSet*, QStringList> seriesFields;
   QMenu* gridMenu = nullptr;
   QString caption, captionFields;             // of the form's description
+  FilterArray askedFilter;                    // what the table filter editor starts with while the form opens
+  QPointer<TfTableFilter> tableFilter;        // while the editor is open
+  QPointer<TfSearch> search;
   bool openEmpty = false;                     // the default filter waits for the user's part of it
   bool laidOut = false;
   bool sizeFromSettings = false;

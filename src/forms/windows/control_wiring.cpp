@@ -222,6 +222,9 @@ void ControlWiring::wireGrid(TDBGrid* grid)
     return used;
   };
   wireGridColumns(grid);
+  if (!grid->property("tag").isValid()) {
+    grid->setProperty("tag", qMax(0, form->GetCdsOptPos(grid->dataSet())));
+  }
   form->DoLoadGridView(grid);
 }
 

@@ -77,7 +77,11 @@ void TfDateSelectorForm::placeUnder(const QWidget* control)
   adjustSize();
   QPoint corner = control->mapToGlobal(QPoint(0, control->height()));
   if (const QScreen* screen = control->screen()) {
-    corner.setX(std::min(corner.x(), screen->availableGeometry().right() - width() + 1));
+    const QRect room = screen->availableGeometry();
+    corner.setX(std::min(corner.x(), room.right() - width() + 1));
+    if (corner.y() + height() > room.bottom() + 1) {
+      corner.setY(control->mapToGlobal(QPoint(0, 0)).y() - height());
+    }
   }
   move(corner);
 }
@@ -133,7 +137,9 @@ TfDateSelectorForm* showDateSelector(QWidget* control, TField* field)
 TfDateSelectorForm* showDateSelector(QLineEdit* edit)
 {
   const auto start = parseDate(edit->text());
-  auto* form = new TfDateSelectorForm(edit, start.value_or(QDate()), [edit](QDate date) { edit->setText(dateText(date)); });
+  auto* form = new TfDateSelectorForm(edit, start.value_or(QDate()), [edit](QDate date) {
+    edit->setText(date.toString(QStringLiteral("dd/MM/yyyy")));
+  });
   form->show();
   form->setFocus();
   return form;

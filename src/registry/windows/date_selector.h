@@ -40,7 +40,7 @@ class BASE_PACKAGE TfDateSelectorForm : public QFrame {
 
 // Over a control of a field: the record is put into edit state and the field takes the date without time.
 BASE_PACKAGE TfDateSelectorForm* showDateSelector(QWidget* control, TField* field);
-// Over a plain edit: the text becomes "dd/mm/yyyy", with the user's date separator.
+// Over a plain edit: the text becomes "dd/mm/yyyy", which the filter criteria read.
 BASE_PACKAGE TfDateSelectorForm* showDateSelector(QLineEdit* edit);
 
 }  // namespace kalvor

@@ -1,7 +1,6 @@
 #include "registry/windows/form_host.h"
 
 #include <QApplication>
-#include <QMdiSubWindow>
 
 #include "registry/form_interfaces.h"
 
@@ -55,6 +54,26 @@ void adoptChildWindow(QWidget* form)
   const QSize whole = wanted.grownBy(frame);
   const QSize room = area->viewport()->size();
   window->resize(room.isEmpty() ? whole : whole.boundedTo(room));
+}
+
+void cascadeChildWindow(QMdiSubWindow* window)
+{
+  constexpr int stepDown = 29;
+  constexpr int stepRight = 22;
+  const auto before = int(window->mdiArea()->subWindowList().size()) - 1;
+  window->move(before * stepRight, before * stepDown);
+}
+
+void fitChildWindow(QMdiSubWindow* window)
+{
+  if (window->isMaximized()) {
+    return;
+  }
+  const QSize space = window->mdiArea()->viewport()->size();
+  const QSize room(space.width() - window->x(), space.height() - window->y());
+  window->resize(window->size().boundedTo(room).expandedTo(window->minimumSizeHint()).boundedTo(space));
+  window->move(qMax(0, qMin(window->x(), space.width() - window->width())),
+               qMax(0, qMin(window->y(), space.height() - window->height())));
 }
 
 QWidget* windowOf(QWidget* form)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QMdiArea>
+#include <QMdiSubWindow>
 
 #include "layer_export.h"
 
@@ -20,6 +21,10 @@ BASE_PACKAGE void installFormHost(FormHost* host);
 // Puts a form into the child area (or makes it a top-level window); does not show it. The window closes when the
 // form closes, and asks the form first.
 BASE_PACKAGE void adoptChildWindow(QWidget* form);
+// Below and right of the child windows that are there already.
+BASE_PACKAGE void cascadeChildWindow(QMdiSubWindow* window);
+// One that would stick out of the area is made smaller, and moved in where that is not enough.
+BASE_PACKAGE void fitChildWindow(QMdiSubWindow* window);
 // The window around a form: its sub-window, dialog or itself.
 BASE_PACKAGE QWidget* windowOf(QWidget* form);
 BASE_PACKAGE void activateForm(QWidget* form);

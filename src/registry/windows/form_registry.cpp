@@ -35,7 +35,7 @@ int RequestForm(int formId, ShowOption options, const FilterArray& callerFilter,
   try {
     const TFormData* description = GetFromDataObject(QString::number(formId), 0);
     const FormClass* formClass = description ? GetRegisterFormClass(description->ClassName) : nullptr;
-    if (!formClass) {
+    if (!formClass || !formClass->create) {
       return 0;
     }
     form = formClass->create(nullptr);
@@ -54,7 +54,9 @@ int RequestForm(int formId, ShowOption options, const FilterArray& callerFilter,
     if (auto* dialog = dynamic_cast<IBaseCommonIntf*>(form.data())) {
       result = showDialogForm(*dialog, formId, options, dialogParams);
     }
-    delete form.data();
+    if (form && form->isHidden()) {
+      delete form.data();
+    }
     return result;
   } catch (const SilentAbort&) {
     // The user was told where it happened.

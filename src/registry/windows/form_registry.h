@@ -14,6 +14,7 @@ namespace kalvor {
 struct FormClass {
   QString name;  // as the form descriptions write it: "TfBrContragents"
   std::function<QWidget*(QWidget* parent)> create;
+  std::function<QObject*()> createObject = {};  // of a class without a window, which has no create
 };
 
 // The class of a Q_OBJECT form, named without its namespace.
@@ -21,7 +22,15 @@ template <class Form>
 FormClass formClass()
 {
   const QString qualified = QString::fromLatin1(Form::staticMetaObject.className());
-  return {qualified.section(QStringLiteral("::"), -1), [](QWidget* parent) -> QWidget* { return new Form(parent); }};
+  return {qualified.section(QStringLiteral("::"), -1), [](QWidget* parent) -> QWidget* { return new Form(parent); }, {}};
+}
+
+// The same for a class without a window, such as a fiscal printer's driver.
+template <class Object>
+FormClass objectClass()
+{
+  const QString qualified = QString::fromLatin1(Object::staticMetaObject.className());
+  return {qualified.section(QStringLiteral("::"), -1), {}, []() -> QObject* { return new Object; }};
 }
 
 BASE_PACKAGE void RegisterFormClass(const FormClass& formClass);  // a name that is registered already is kept
@@ -39,7 +48,8 @@ struct FormClassRegistration {
 // Opens a form. Filters: the caller's, the user's, the query's parameters. Selection is filled in place by a modal
 // form. owner (null = the application) is told of choices and saves and closes the form with itself. Gives what
 // DoShowForm gives, 0 when the identifier is unknown or its class is not registered. Refusals (no right to read, no
-// query) are shown to the user and give 0 too; no form stays then.
+// query) are shown to the user and give 0 too; no form stays then. A dialog that is still shown when DoShowForm returns
+// frees itself when it is closed.
 BASE_PACKAGE int RequestForm(int formId, ShowOption options, const FilterArray& callerFilter,
                              const FilterArray& publicFilter, const ParameterArray& parameter,
                              TSelectionList& selection, const TDefaultValues& defaults, QObject* owner,

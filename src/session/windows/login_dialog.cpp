@@ -12,6 +12,7 @@
 #include <QScopedValueRollback>
 #include <QTimer>
 
+#include "forms/messages.h"
 #include "platform/ports.h"
 #include "session/error_log.h"
 #include "widgets/theme.h"
@@ -222,7 +223,7 @@ void TfLogin::editConnection()
     calls_.Disconnect();
     calls_.Connect();
   } catch (const std::exception&) {
-    return showError(QStringLiteral("Не е установена връзка със сървъра"));
+    return showError(_inf_ServerNotFound);
   }
   LoadCombosFromIni();
 }
