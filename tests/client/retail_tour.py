@@ -4,7 +4,9 @@ client by key events through them (66 invoices listed, C* leaves the cancellatio
 changes, it is saved), then looks into the database and asks as a second workstation would.
 
 Exits 77 (skipped) where the journal is not there."""
-import os, re, shutil, sqlite3, subprocess, sys, tempfile
+import os, shutil, sqlite3, sys, tempfile
+
+from client_tour import expect, run, served, take_tour
 
 SKIPPED = 77
 bin_dir, source_dir = sys.argv[1], sys.argv[2]
@@ -15,18 +17,7 @@ if not os.path.exists(sample):
     sys.exit(SKIPPED)
 
 
-def run(*command, **options):
-    return subprocess.run([str(c) for c in command], check=True, text=True, capture_output=True, **options).stdout
-
-
-def expect(what, holds):
-    if not holds:
-        sys.exit(f"does not hold: {what}")
-    print(f"holds: {what}")
-
-
 work = tempfile.mkdtemp()
-server = None
 try:
     server_program = os.path.join(bin_dir, "kalvor-server")
     db = os.path.join(work, "retail.db")
@@ -37,19 +28,13 @@ try:
                         ("D_SaleInvoiceLine", "lines")]:
         extra = ["--set", "Currency_Id=GBP"] if name == "invoices" else []
         print(run(server_program, "load", table, os.path.join(tables, name + ".csv"), "--db", db, "--company", "3", *extra).strip())
-    server = subprocess.Popen([server_program, "serve", "--db", db, "--port", "0"], stdout=subprocess.PIPE, text=True,
-                              stderr=open(os.path.join(work, "server.log"), "w"))
-    port = re.search(r":(\d+)\s*$", server.stdout.readline()).group(1)
     documents = os.path.join(work, "documents")
     os.makedirs(os.path.join(documents, "Kalvor"))
     with open(os.path.join(documents, "Kalvor", "kalvor-tour.ini"), "w", encoding="utf-8") as ini:
         ini.write("[User]\nUser=SUPERVSR\nObject=5\nCompany=3\n")
     pictures = keep or os.path.join(work, "pictures")
-    environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", KALVOR_DOCUMENTS=documents)
-    tour = subprocess.run([os.path.join(bin_dir, "kalvor-tour"), "--retail", pictures, "--server", f"127.0.0.1:{port}"],
-                          env=environment, text=True, capture_output=True, timeout=200)
-    print(tour.stderr.strip())
-    expect("the tour ends well", tour.returncode == 0)
+    with served(bin_dir, db, os.path.join(work, "server.log")) as address:
+        take_tour(bin_dir, address, pictures, documents, "--retail")
 
     with sqlite3.connect(db) as connection:
         connection.create_collation("KALVOR", lambda a, b: (a.lower() > b.lower()) - (a.lower() < b.lower()))
@@ -64,7 +49,4 @@ try:
     expect("the document's value is the sum of its lines", header[4] == sum(total for _, _, total in lines))
     expect("the audit columns say who, when and where", header[1] == "SUPERVSR" and bool(header[2]) and header[3] == "5")
 finally:
-    if server:
-        server.terminate()
-        server.wait()
     shutil.rmtree(work, ignore_errors=True)
