@@ -18,4 +18,7 @@ void addRetailTour(TourDriver& driver);
 // Every change of an invoice's line and header that recalculates it, with a picture after each.
 void addInvoiceTour(TourDriver& driver);
 
+// From log-in to a saved new invoice of five lines, three of whose items are found by a part of their names.
+void addNewInvoiceTour(TourDriver& driver);
+
 }  // namespace kalvor

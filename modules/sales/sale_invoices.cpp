@@ -1,5 +1,6 @@
 #include "sale_invoices.h"
 
+#include <QScopedValueRollback>
 #include <QVBoxLayout>
 
 #include "business/windows/change_calculation.h"
@@ -36,6 +37,18 @@ void TfEdSaleInvoice::AttachDynamicEvents(TClientDataSet* dataSet)
 void TfEdSaleInvoice::choicePut(TClientDataSet* dataSet)
 {
   rules_.choicePut(dataSet);
+}
+
+// A new line comes after the last one, whatever order the lines are shown in.
+void TfEdSaleInvoice::CDS_OnNewRecord(TClientDataSet* dataSet)
+{
+  TfBaseEditMasterDetail::CDS_OnNewRecord(dataSet);
+  if (dataSet != cdsDetail()) {
+    return;
+  }
+  TField* number = dataSet->FieldByName(u"Line_No");
+  const QScopedValueRollback<bool> writable(number->ReadOnly, false);
+  number->SetAsInteger(dataSet->AggregateValue(QStringLiteral("MAX(Line_No)")).toLongLong() + 1);
 }
 
 void TfEdSaleInvoice::buildLayout()

@@ -12,13 +12,13 @@ namespace kalvor {
 
 namespace {
 
-struct Column {
+struct AmountColumn {
   const char16_t* title;
   double TVATGroupInfo::* ofGroup;
   double TVATTotals::* ofDocument;
   bool local;
 };
-constexpr Column columns[] = {
+constexpr AmountColumn columns[] = {
     {u"Основа", &TVATGroupInfo::CRN_TotalValue, &TVATTotals::CRN_TotalValue, false},
     {u"ДДС", &TVATGroupInfo::CRN_VATValue, &TVATTotals::CRN_VATValue, false},
     {u"Общо", &TVATGroupInfo::CRN_TotalVAT, &TVATTotals::CRN_TotalVAT, false},
@@ -91,10 +91,10 @@ void VatSummary::setTotals(const TVATTotals& totals, const QString& currency)
     }
   };
   for (int i = 0; i < groups.size(); ++i) {
-    fill(i, groups[i].name, false, [&](const Column& column) { return groups[i].info.*column.ofGroup; });
+    fill(i, groups[i].name, false, [&](const AmountColumn& column) { return groups[i].info.*column.ofGroup; });
   }
   fill(int(groups.size()), QStringLiteral("Общо"), true,
-       [&](const Column& column) { return totals.*column.ofDocument; });
+       [&](const AmountColumn& column) { return totals.*column.ofDocument; });
 }
 
 }  // namespace kalvor

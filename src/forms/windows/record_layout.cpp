@@ -215,6 +215,8 @@ QWidget* RecordLayout::makeControl(QWidget* page, TField* field, bool beside, bo
     control = memo;
   } else if (isDateType(field->FieldDataType()) && field->FieldDataType() != DataType::Time) {
     control = new TDBDateEdit(page);
+  } else if (hasFlag(field, ffSeries)) {
+    control = new TDBFlatEdit(page);  // the edit through which a field gets its number from a series
   } else {
     control = new TDBEdit(page);
   }
