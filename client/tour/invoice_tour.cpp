@@ -1,4 +1,3 @@
-#include "registry/windows/form_host.h"
 #include "tour_steps.h"
 #include "tours.h"
 #include "widgets/db_grid.h"
@@ -9,22 +8,15 @@ using namespace tour;
 
 namespace {
 
-constexpr const char* card = "TfEdSaleInvoice";
+double lineValue(const char16_t* field) { return invoiceLines()->FieldByName(QStringView(field))->AsFloat(); }
 
-const TClientDataSet* lines()
-{
-  return activeFormWidget()->findChild<TClientDataSet*>(QStringLiteral("cdsDetail"));
-}
-
-double lineValue(const char16_t* field) { return lines()->FieldByName(QStringView(field))->AsFloat(); }
-
-bool nowShown() { return !TourDriver::dialog() && activeFormIs(card); }
+bool nowShown() { return !TourDriver::dialog() && activeFormIs(invoiceCard); }
 
 // Types into a column of the current line and goes on with Enter.
 void changeLine(TourDriver& driver, const char* column, const QString& text, const char* picture)
 {
   gotoColumn(driver, QLatin1String(column));
-  driver.step(QStringLiteral("type ") + text, formIs(card), [&driver, text] {
+  driver.step(QStringLiteral("type ") + text, formIs(invoiceCard), [&driver, text] {
     driver.type(text);
     driver.key(Qt::Key_Return);
   });
@@ -35,7 +27,7 @@ void changeLine(TourDriver& driver, const char* column, const QString& text, con
 // Types into a field of the header.
 void changeHeader(TourDriver& driver, const char* control, const QString& text)
 {
-  driver.step("to the header", formIs(card), [&driver] {
+  driver.step("to the header", formIs(invoiceCard), [&driver] {
     if (qobject_cast<TDBGrid*>(TourDriver::focus()))
       driver.key(Qt::Key_F4);
   });
@@ -49,7 +41,7 @@ void changeHeader(TourDriver& driver, const char* control, const QString& text)
 
 void changeLines(TourDriver& driver)
 {
-  driver.step("to the lines", formIs(card), [&driver] { driver.key(Qt::Key_F4); });
+  driver.step("to the lines", formIs(invoiceCard), [&driver] { driver.key(Qt::Key_F4); });
   changeLine(driver, "Quantity", QStringLiteral("24"), "quantity");
   driver.expect("the total follows the quantity", [] { return lineValue(u"TotalPrice") > 0; });
   changeLine(driver, "UnitPrice", QStringLiteral("8"), "price");
@@ -57,7 +49,7 @@ void changeLines(TourDriver& driver)
   changeLine(driver, "LineDiscount", QStringLiteral("10"), "discount");
   driver.expect("less 10 % is 172.80", [] { return lineValue(u"TotalPrice") == 172.8; });
   changeLine(driver, "N_VATProdPostGroup_Code", QStringLiteral("S9"), "vat-group");
-  driver.step("back to the line", formIs(card), [&driver] { driver.key(Qt::Key_Up); });  // its last column was left
+  driver.step("back to the line", formIs(invoiceCard), [&driver] { driver.key(Qt::Key_Up); });  // its last column was left
   driver.expect("the VAT is 9 %", [] { return lineValue(u"VATPercent") == 9; });
   changeLine(driver, "Code", QStringLiteral("120062"), "item");
   driver.expect("another item at its list price", [] { return lineValue(u"OriginalPrice") == lineValue(u"UnitPrice"); });
@@ -89,7 +81,7 @@ void changeHeaders(TourDriver& driver)
 // 9.99 does not pay 10.00; twenty does.
 void payInCash(TourDriver& driver)
 {
-  driver.step("cash", formIs(card), [&driver] { driver.key(Qt::Key_F9, Qt::ControlModifier); });
+  driver.step("cash", formIs(invoiceCard), [&driver] { driver.key(Qt::Key_F9, Qt::ControlModifier); });
   driver.step("too little", dialogIs("TfChangeCalculation"), [&driver] {
     driver.type(QStringLiteral("9.99"));
     driver.key(Qt::Key_Return);
@@ -113,7 +105,7 @@ void addInvoiceTour(TourDriver& driver)
   logIn(driver);
   openForm(driver, QStringLiteral("Фактури за продажба"), "TfBrSaleInvoice");
   driver.step("open the card", formIs("TfBrSaleInvoice"), [&driver] { driver.key(Qt::Key_Return, Qt::ControlModifier); });
-  driver.step("invoice", formIs(card), [] {});
+  driver.step("invoice", formIs(invoiceCard), [] {});
   driver.picture("before");
   changeLines(driver);
   changeHeaders(driver);

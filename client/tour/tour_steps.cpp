@@ -19,6 +19,11 @@ TClientDataSet* activeMaster()
   return form ? form->GetCdsMaster() : nullptr;
 }
 
+TClientDataSet* invoiceLines()
+{
+  return activeFormWidget()->findChild<TClientDataSet*>(QStringLiteral("cdsDetail"));
+}
+
 bool activeFormIs(const char* className)
 {
   const QWidget* form = activeFormWidget();

@@ -12,6 +12,10 @@ IBaseIntf* activeForm();
 TClientDataSet* activeMaster();
 bool activeFormIs(const char* className);
 
+// The card of a sale invoice, and the lines of the one in front.
+inline constexpr const char* invoiceCard = "TfEdSaleInvoice";
+TClientDataSet* invoiceLines();
+
 // A form of that class is in front with its records; a window without records; a dialog.
 TourDriver::Condition formIs(const char* className);
 TourDriver::Condition windowIs(const char* className);
