@@ -1,36 +1,14 @@
-// The database without the server, and how times are taken and printed.
+// The database without the server.
 #pragma once
 
-#include <QElapsedTimer>
 #include <QString>
-#include <algorithm>
-#include <cstdio>
 #include <sqlite3.h>
-#include <vector>
 
 #include "data/data_error.h"
 #include "server/store/text_rules.h"
+#include "timing.h"
 
 namespace kalvor::bench {
-
-template <class Body>
-double medianMs(int runs, Body body)
-{
-  std::vector<double> times;
-  for (int i = 0; i < runs; ++i) {
-    QElapsedTimer timer;
-    timer.start();
-    body();
-    times.push_back(timer.nsecsElapsed() / 1e6);
-  }
-  std::sort(times.begin(), times.end());
-  return times[times.size() / 2];
-}
-
-inline void line(const char* what, double ours, const char* against, double theirs)
-{
-  std::printf("%-46s %10.3f ms | %-40s %10.3f ms | ratio %6.2f\n", what, ours, against, theirs, ours / theirs);
-}
 
 class BareDatabase {
  public:

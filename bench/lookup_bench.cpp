@@ -10,6 +10,7 @@
 #include "server/operations/passwords.h"
 #include "server/server_core.h"
 #include "server_process.h"
+#include "timing.h"
 
 using namespace kalvor;
 using namespace kalvor::bench;
@@ -18,20 +19,6 @@ namespace {
 
 constexpr int itemForm = 150;
 constexpr int runs = 201;
-
-template <class Body>
-double medianMs(Body body)
-{
-  std::vector<double> times;
-  for (int i = 0; i < runs; ++i) {
-    QElapsedTimer timer;
-    timer.start();
-    body();
-    times.push_back(timer.nsecsElapsed() / 1e6);
-  }
-  std::sort(times.begin(), times.end());
-  return times[times.size() / 2];
-}
 
 void makeItems(server::Connection& db)
 {
@@ -103,23 +90,23 @@ int main(int argc, char** argv)
     Workstation station(process.port());
     LookupFinder finder(station.broker());
     const auto db = core.openReader();
-    const double emptyCall = medianMs([&] { station.broker().Call(QStringLiteral("servername")); });
+    const double emptyCall = medianMs(runs, [&] { station.broker().Call(QStringLiteral("servername")); });
     qsizetype rows = 0;
     const auto measured = [&](const QString& text) {
-      return medianMs([&] { rows = finder.find(questionFor(text)).rows.size(); });
+      return medianMs(runs, [&] { rows = finder.find(questionFor(text)).rows.size(); });
     };
 
     const QString code = QStringLiteral("9012"), name = QStringLiteral("Винт 77"), inside = QStringLiteral("9773");
     const double byCode = measured(code);
     report("beginning of a code", byCode, emptyCall,
-           medianMs([&] { bareRows(*db, QStringLiteral("Code"), code, QStringLiteral("9013"), code + u'%'); }), rows);
+           medianMs(runs, [&] { bareRows(*db, QStringLiteral("Code"), code, QStringLiteral("9013"), code + u'%'); }), rows);
     const double byName = measured(name);
-    report("beginning of a name", byName, emptyCall, medianMs([&] {
+    report("beginning of a name", byName, emptyCall, medianMs(runs, [&] {
              bareRows(*db, QStringLiteral("Code"), name, QStringLiteral("Винт 78"), name + u'%');
              bareRows(*db, QStringLiteral("Name"), name, QStringLiteral("Винт 78"), name + u'%');
            }), rows);
     const double anywhere = measured(QStringLiteral("т ") + inside);
-    report("inside a name", anywhere, emptyCall, medianMs([&] {
+    report("inside a name", anywhere, emptyCall, medianMs(runs, [&] {
              bareRows(*db, QStringLiteral("Name"), QString(), QString(), QStringLiteral("%т ") + inside + u'%');
            }), rows);
   } catch (const std::exception& error) {

@@ -1,5 +1,4 @@
 // A sale document of 1,000 lines after a change of its header, against the same arithmetic on plain numbers.
-#include <QElapsedTimer>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -10,8 +9,10 @@
 #include "business/sale_document.h"
 #include "common/rounding.h"
 #include "session/local_data.h"
+#include "timing.h"
 
 using namespace kalvor;
+using namespace kalvor::bench;
 
 namespace {
 
@@ -45,20 +46,6 @@ void recalculate(PlainLine& line, bool includes)
   line.totalLocal = line.local + line.localVat;
 }
 
-template <class Body>
-double medianMs(Body body)
-{
-  std::vector<double> times;
-  for (int i = 0; i < runs; ++i) {
-    QElapsedTimer timer;
-    timer.start();
-    body();
-    times.push_back(double(timer.nsecsElapsed()) / 1e6);
-  }
-  std::sort(times.begin(), times.end());
-  return times[runs / 2];
-}
-
 }  // namespace
 
 int main()
@@ -76,12 +63,12 @@ int main()
     SrvSaleLineDiscOnChange(&document.header, &document.lines, document.guard);
   };
   bool includes = false;
-  const double rules = medianMs([&] {
+  const double rules = medianMs(runs, [&] {
     includes = !includes;
     document.header.FieldByName(u"PriceIncludingVAT")->SetAsInteger(includes);
     SrvSalePriceIncudingVATOnChange(&document.header, &document.lines, document.guard);
   });
-  const double arithmetic = medianMs([&] {
+  const double arithmetic = medianMs(runs, [&] {
     includes = !includes;
     for (PlainLine& line : plain)
       recalculate(line, includes);

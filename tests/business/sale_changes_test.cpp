@@ -300,7 +300,7 @@ class SaleChangesTest : public QObject {
     QTest::addColumn<double>("price");
     QTest::newRow("local to foreign") << u"EUR"_s << 1.0 << 0 << 5.0;
     QTest::newRow("foreign to local") << QString() << 1.95583 << 0 << 19.5583;
-    QTest::newRow("no rate") << u"XXX"_s << 1.0 << -1 << 0.0;
+    QTest::newRow("no rate") << u"ZZZ"_s << 1.0 << -1 << 0.0;
   }
   void currencyMovesPricesOnly()
   {

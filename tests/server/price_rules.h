@@ -56,7 +56,7 @@ INSERT INTO N_ItemPrice (Id, Comp_Id, Side, Item_Id, Contragent_Id, PriceGroup_I
   ('W1', '1', 1, 'I6', NULL, NULL, 'P', NULL, 0, NULL, NULL, 120000000, 1, 1),
   ('W2', '1', 1, 'I6', 'C1', NULL, 'P', NULL, 0, NULL, NULL, 999990, 1, 1),
   ('U1', '1', 1, 'I7', NULL, NULL, 'P', 'XTS', 0, NULL, NULL, 10000000, 0, 1),
-  ('U2', '1', 1, 'I7', 'C1', NULL, 'P', 'XXX', 0, NULL, NULL, 10000000, 0, 1),
+  ('U2', '1', 1, 'I7', 'C1', NULL, 'P', 'ZZZ', 0, NULL, NULL, 10000000, 0, 1),
   ('U3', '1', 1, 'I7', 'C2', NULL, 'P', NULL, 0, NULL, NULL, 1000005, 0, 1);
 
 INSERT INTO N_ItemDiscount (Id, Comp_Id, Side, Item_Id, ItemGroup_Id, Contragent_Id, PriceGroup_Id, SubDocument_Id,
