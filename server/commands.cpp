@@ -1,7 +1,5 @@
 #include "server/commands.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <cstdio>
 
 #include "server/demo/demo_company.h"
@@ -10,6 +8,7 @@
 #include "server/log.h"
 #include "server/metadata/metadata_loader.h"
 #include "server/operations/passwords.h"
+#include "server/store/database.h"
 #include "server/store/migrations.h"
 
 namespace kalvor::server {
@@ -17,23 +16,24 @@ namespace kalvor::server {
 namespace {
 
 constexpr const char* usage =
-    "kalvor-server serve [--db FILE] [--port N] [--bind ADDRESS] [--plaintext]\n"
-    "    Serves the company in FILE; makes the demo company when there is no such file.\n"
-    "kalvor-server init [--db FILE] [--invoices N [--lines L] [--company ID]]\n"
-    "    Makes FILE with the demo company, or brings it to this version; then N more sale invoices for measuring.\n"
-    "kalvor-server load TABLE FILE.csv [--db FILE] [--company ID] [--user CODE] [--map COLUMN=FIELD ...]\n"
+    "kalvor-server serve [--db FILE|URI] [--port N] [--bind ADDRESS] [--plaintext]\n"
+    "    Serves the companies in FILE, or in the PostgreSQL database that a libpq URI (postgresql://...) names; makes\n"
+    "    the demo company when there is none. Without --db: KALVOR_DATABASE, else the user's own file.\n"
+    "kalvor-server init [--db FILE|URI] [--invoices N [--lines L] [--company ID]]\n"
+    "    Makes the demo company, or brings the database to this version; then N more sale invoices for measuring.\n"
+    "kalvor-server load TABLE FILE.csv [--db FILE|URI] [--company ID] [--user CODE] [--map COLUMN=FIELD ...]\n"
     "    [--set FIELD=VALUE ...] [--lookup FIELD=TABLE.KEY:COLUMN ...] [--skip-existing]\n"
     "    Loads a file of comma-separated values: all of it or nothing. --map COLUMN=- leaves a column out.\n";
 
 }  // namespace
 
-void prepareDatabase(const QString& fileName)
+void prepareDatabase(const QString& database)
 {
-  QDir().mkpath(QFileInfo(fileName).absolutePath());
-  const auto connection = openSqlite(fileName, false);
+  makeFolderOf(database);
+  const auto connection = openDatabase(database, ConnectionUse::Write);
   migrate(*connection);
   if (!hasCompanies(*connection)) {
-    logEvent(LogLevel::Info, "demo_company", {{"database", fileName}});
+    logEvent(LogLevel::Info, "demo_company", {{"database", shownDatabase(database)}});
     DemoOptions demo;
     demo.hashDigest = hashDigest;
     createDemoCompany(*connection, demo);

@@ -7,9 +7,9 @@
 
 namespace kalvor::server {
 
-// Makes the database with the demo company when there is no file; brings an existing one to this version,
-// the forms that it does not have yet among it.
-KALVOR_SERVER void prepareDatabase(const QString& fileName);
+// Makes the demo company in a database without any, and the file when there is none; brings an existing database to
+// this version, the forms that it does not have yet among it. A name is a file or a libpq URI.
+KALVOR_SERVER void prepareDatabase(const QString& database);
 
 // The program's arguments from the command on: init, load, help; the exit code.
 KALVOR_SERVER int runCommand(const QStringList& arguments);

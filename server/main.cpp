@@ -6,6 +6,7 @@
 #include "server/load/command_line.h"
 #include "server/log.h"
 #include "server/server.h"
+#include "server/store/database.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ int serve(const QStringList& arguments, const sigset_t& endSignals)
       arguments, {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
                   {"--plaintext", OptionKind::Flag}});
   kalvor::server::ServerOptions options;
-  options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabaseFile());
+  options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabase());
   options.address = line.value(QStringLiteral("--bind"), options.address);
   options.port = quint16(line.value(QStringLiteral("--port"), QString::number(options.port)).toUInt());
   options.plaintext = line.has(QStringLiteral("--plaintext"));

@@ -11,7 +11,7 @@ namespace kalvor::server {
 class ServerCore;
 
 struct ServerOptions {
-  QString database;                               // a file, or ":memory:" for this server alone
+  QString database;                               // a file, a libpq URI, or ":memory:" for this server alone
   QString address = QStringLiteral("127.0.0.1");
   quint16 port = 2030;                            // 0: any free one
   bool plaintext = false;                         // allows an address that is not the loopback

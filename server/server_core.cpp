@@ -1,11 +1,15 @@
 #include "server/server_core.h"
 
+#include "server/store/database.h"
 #include "server/store/migrations.h"
 
 namespace kalvor::server {
 
 ServerCore::Databases ServerCore::Databases::of(const QString& name)
 {
+  if (isPostgresUri(name)) {
+    return {name, name, nullptr};
+  }
   if (name != u":memory:") {
     return {name, name + QStringLiteral("-sessions"), nullptr};
   }
@@ -18,9 +22,14 @@ ServerCore::ServerCore(Databases databases) : databases_(std::move(databases)), 
   migrate(*openWriter());
 }
 
+std::unique_ptr<Connection> ServerCore::openReader() const
+{
+  return openDatabase(databases_.company, ConnectionUse::Read);
+}
+
 std::unique_ptr<Connection> ServerCore::openWriter() const
 {
-  auto writer = openSqlite(databases_.company, false);
+  auto writer = openDatabase(databases_.company, ConnectionUse::Write);
   writer->setDurable(!databases_.folder);
   return writer;
 }

@@ -12,7 +12,7 @@ namespace kalvor::server {
 
 class KALVOR_SERVER ServerCore {
  public:
-  // Names of the company's database and of the one of sessions. ":memory:" stands for two that are gone with this
+  // Names of the company's database and of the one of sessions, which is the same in PostgreSQL. ":memory:" stands for two that are gone with this
   // object: in a temporary folder, since readers and a writer of one database in memory would wait for each other.
   struct Databases {
     QString company;
@@ -24,7 +24,7 @@ class KALVOR_SERVER ServerCore {
   // Brings the database to this program's version. Throws StoreError.
   explicit ServerCore(Databases databases);
 
-  std::unique_ptr<Connection> openReader() const { return openSqlite(databases_.company, true); }
+  std::unique_ptr<Connection> openReader() const;
   std::unique_ptr<Connection> openWriter() const;
   StateStore& state() { return state_; }
   MetadataCache& metadata() { return metadata_; }

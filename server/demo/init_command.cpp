@@ -1,13 +1,12 @@
 #include "server/demo/init_command.h"
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFileInfo>
 #include <QTextStream>
 
 #include "server/demo/demo_company.h"
 #include "server/demo/invoice_generator.h"
 #include "server/load/command_line.h"
+#include "server/store/database.h"
 #include "server/store/migrations.h"
 
 namespace kalvor::server {
@@ -15,7 +14,7 @@ namespace kalvor::server {
 namespace {
 
 constexpr const char* initUsage =
-    "kalvor-server init [--db ФАЙЛ] [--invoices БРОЙ [--lines БРОЙ] [--company ФИРМА]]\n"
+    "kalvor-server init [--db ФАЙЛ|URI] [--invoices БРОЙ [--lines БРОЙ] [--company ФИРМА]]\n"
     "Създава базата данни и демонстрационните фирми, ако ги няма; с --invoices добавя още фактури за измервания.";
 
 void initDatabase(const QStringList& arguments, const std::function<QString(const QString&)>& hashDigest)
@@ -31,21 +30,22 @@ void initDatabase(const QStringList& arguments, const std::function<QString(cons
   generator.linesEach = countOf(parsed, QStringLiteral("--lines"), 0);
   generator.companyId = parsed.value(QStringLiteral("--company"), generator.companyId);
 
-  const QString file = parsed.value(QStringLiteral("--db"), defaultDatabaseFile());
-  QDir().mkpath(QFileInfo(file).absolutePath());
-  const auto connection = openSqlite(file, false);
+  const QString database = parsed.value(QStringLiteral("--db"), defaultDatabase());
+  const QString shown = shownDatabase(database);
+  makeFolderOf(database);
+  const auto connection = openDatabase(database, ConnectionUse::Write);
   migrate(*connection);
   QTextStream out(stdout);
   QElapsedTimer timer;
   timer.start();
   const auto seconds = [&] { return QString::number(double(timer.restart()) / 1000, 'f', 2); };
   if (hasCompanies(*connection)) {
-    out << QStringLiteral("%1: фирмите вече са тук").arg(file) << Qt::endl;
+    out << QStringLiteral("%1: фирмите вече са тук").arg(shown) << Qt::endl;
   } else {
     DemoOptions demo;
     demo.hashDigest = hashDigest;
     createDemoCompany(*connection, demo);
-    out << QStringLiteral("%1: демонстрационните фирми са създадени за %2 с").arg(file, seconds()) << Qt::endl;
+    out << QStringLiteral("%1: демонстрационните фирми са създадени за %2 с").arg(shown, seconds()) << Qt::endl;
   }
   if (generator.invoices > 0) {
     generateInvoices(*connection, generator);

@@ -4,6 +4,7 @@
 #include "server/load/id_sequence.h"
 #include "server/load/row_inserter.h"
 #include "server/store/migrations.h"
+#include "server/store/schema_script.h"
 
 namespace kalvor::server {
 
@@ -160,11 +161,11 @@ void generateInvoices(Connection& connection, const GeneratorOptions& options)
   Transaction transaction(connection);
   const QStringList indexes = options.invoices < manyInvoices ? QStringList() : indexStatements();
   for (const QString& statement : indexes) {
-    connection.execute(QStringLiteral("DROP INDEX ") + indexName(statement));
+    connection.define(QStringLiteral("DROP INDEX ") + indexName(statement));
   }
   InvoiceGenerator(connection, options).run();
   for (const QString& statement : indexes) {
-    connection.execute(statement);
+    connection.define(statement);
   }
   transaction.commit();
 }

@@ -1,6 +1,5 @@
 #include "server/load/command_line.h"
 
-#include <QStandardPaths>
 #include <QTextStream>
 
 namespace kalvor::server {
@@ -59,11 +58,6 @@ int countOf(const CommandArguments& arguments, const QString& name, int otherwis
     throw UsageError(QStringLiteral("%1 иска брой, не „%2“").arg(name, arguments.value(name)));
   }
   return count;
-}
-
-QString defaultDatabaseFile()
-{
-  return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/kalvor/kalvor.db");
 }
 
 int exitCodeOf(const char* usage, const std::function<void()>& command)

@@ -48,9 +48,6 @@ KALVOR_SERVER std::pair<QString, QString> pairOf(const QString& text);
 // A whole number from 0; throws UsageError.
 KALVOR_SERVER int countOf(const CommandArguments& arguments, const QString& name, int otherwise);
 
-// kalvor/kalvor.db in the user's data folder.
-KALVOR_SERVER QString defaultDatabaseFile();
-
 // Runs a command: messages of UsageError (2) and of any other exception (1) go to the error output.
 KALVOR_SERVER int exitCodeOf(const char* usage, const std::function<void()>& command);
 

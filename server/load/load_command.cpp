@@ -7,6 +7,7 @@
 
 #include "server/load/bulk_load.h"
 #include "server/load/command_line.h"
+#include "server/store/database.h"
 #include "server/store/migrations.h"
 
 namespace kalvor::server {
@@ -14,7 +15,7 @@ namespace kalvor::server {
 namespace {
 
 constexpr const char* loadUsage =
-    "kalvor-server load ТАБЛИЦА ФАЙЛ.csv [--db ФАЙЛ] [--company ФИРМА] [--user ПОТРЕБИТЕЛ]\n"
+    "kalvor-server load ТАБЛИЦА ФАЙЛ.csv [--db ФАЙЛ|URI] [--company ФИРМА] [--user ПОТРЕБИТЕЛ]\n"
     "    [--map колонаНаФайла=Колона ...]   накъде отива колона на файла; „колона=-“ я пропуска\n"
     "    [--set Колона=Стойност ...]        една стойност за всички записи\n"
     "    [--lookup Колона=Таблица.Ключ:колонаНаФайла ...]   код от файла, намерен в друга таблица\n"
@@ -66,8 +67,8 @@ void load(const QStringList& arguments)
     throw UsageError(QStringLiteral("нужни са таблица и файл"));
   }
   const LoadRequest request = requestOf(parsed);
-  const QString database = parsed.value(QStringLiteral("--db"), defaultDatabaseFile());
-  if (!QFile::exists(database)) {
+  const QString database = parsed.value(QStringLiteral("--db"), defaultDatabase());
+  if (!mayExist(database)) {
     throw LoadError(QStringLiteral("няма база данни %1; създава се с kalvor-server init").arg(database));
   }
   QFile file(parsed.positional.at(1));
@@ -79,7 +80,7 @@ void load(const QStringList& arguments)
   const uchar* mapped = file.size() > 0 ? file.map(0, file.size()) : nullptr;
   const QByteArray copy = mapped ? QByteArray() : file.readAll();
   const QByteArrayView text = mapped ? QByteArrayView(mapped, file.size()) : QByteArrayView(copy);
-  const auto connection = openSqlite(database, false);
+  const auto connection = openDatabase(database, ConnectionUse::Write);
   migrate(*connection);
   const LoadResult result = bulkLoad(*connection, request, text);
   QTextStream out(stdout);

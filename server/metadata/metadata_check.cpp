@@ -74,6 +74,8 @@ class MetadataChecker {
   void checkStoredFilter(const QString& text, const CheckedQuery* query);
   void checkForms();
   void checkLineColors(const QString& xml, int formId);
+  // Throws StoreError; a transaction around it goes on then.
+  std::shared_ptr<Statement> prepared(const QString& sql);
   bool resolves(const CheckedQuery& query, const QString& name);
   const CheckedQuery* find(int formId, int datasetIndex) const;
 
@@ -125,6 +127,14 @@ const CheckedQuery* MetadataChecker::find(int formId, int datasetIndex) const
   return it == queries_.end() ? nullptr : &*it;
 }
 
+std::shared_ptr<Statement> MetadataChecker::prepared(const QString& sql)
+{
+  Transaction step(connection_, false);
+  auto statement = connection_.prepare(withMarks(sql));
+  step.commit();
+  return statement;
+}
+
 bool MetadataChecker::resolves(const CheckedQuery& query, const QString& name)
 {
   static const QRegularExpression qualified(QStringLiteral("^\\w+\\.\\w+$"));
@@ -132,7 +142,7 @@ bool MetadataChecker::resolves(const CheckedQuery& query, const QString& name)
     return false;
   }
   try {
-    connection_.prepare(withMarks(query.sql) + QStringLiteral(" ORDER BY ") + name);
+    prepared(query.sql + QStringLiteral(" ORDER BY ") + name);
     return true;
   } catch (const StoreError&) {
     return false;
@@ -143,7 +153,7 @@ void MetadataChecker::checkStatement(const CheckedQuery& query)
 {
   std::shared_ptr<Statement> statement;
   try {
-    statement = connection_.prepare(withMarks(query.sql));
+    statement = prepared(query.sql);
   } catch (const StoreError& error) {
     fault(QString::fromUtf8(error.what()));
     return;

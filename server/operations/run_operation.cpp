@@ -116,6 +116,37 @@ Variant runWriting(CallContext& call, const Operation& operation, const QString&
   return result;
 }
 
+// A call that reads. Inside a transaction of the client's its failure must not end the transaction.
+Variant runReading(CallContext& call, const Operation& operation)
+{
+  if (operation.runsOn == RunsOn::Transaction || !call.db.inTransaction()) {
+    return operation.handler(call);
+  }
+  Transaction step(call.db, false);
+  const Variant result = operation.handler(call);
+  step.commit();
+  return result;
+}
+
+// Runs a call, and once more when the database ended its transaction in favour of another one: nothing of it is left
+// then. Not inside a transaction of the client's, which cannot be repeated here.
+Variant runPatiently(CallContext& call, const Operation& operation, const QString& requestId)
+{
+  constexpr int attempts = 3;
+  const VariantArray given = call.arguments;
+  for (int attempt = 1;; ++attempt) {
+    try {
+      return operation.runsOn == RunsOn::Writer ? runWriting(call, operation, requestId) : runReading(call, operation);
+    } catch (const StoreError& error) {
+      if (error.kind() != StoreError::Kind::Collision || attempt == attempts || call.db.inTransaction() ||
+          operation.runsOn == RunsOn::Transaction) {
+        throw;
+      }
+      call.arguments = given;
+    }
+  }
+}
+
 Variant runChecked(ServerCore& core, Connection& db, Session& session, const Operation& operation,
                    VariantArray& arguments, const QString& requestId)
 {
@@ -131,7 +162,7 @@ Variant runChecked(ServerCore& core, Connection& db, Session& session, const Ope
     core.state().touch(session);
   }
   CallContext call{core, session, db, core.metadata().current(db), arguments};
-  return operation.runsOn == RunsOn::Writer ? runWriting(call, operation, requestId) : operation.handler(call);
+  return runPatiently(call, operation, requestId);
 }
 
 RpcError storeFailure(const Operation& operation, const StoreError& error)
@@ -139,7 +170,10 @@ RpcError storeFailure(const Operation& operation, const StoreError& error)
   const QString incident = logIncident(operation.name, QString::fromUtf8(error.what()));
   switch (error.kind()) {
     case StoreError::Kind::Busy:
+    case StoreError::Kind::Collision:
       return {RpcError::Internal, QStringLiteral("Сървърът е зает с друга операция. Опитайте отново след малко."), incident};
+    case StoreError::Kind::Unreachable:
+      return {RpcError::Internal, QStringLiteral("Сървърът няма връзка с базата данни. Опитайте отново след малко."), incident};
     case StoreError::Kind::DiskFull:
       return {RpcError::Internal, QStringLiteral("Дискът на сървъра е пълен. Промените не са записани. Обърнете се към "
                                                  "системния администратор."), incident};

@@ -27,7 +27,7 @@ struct DiscountRow {
 
 // The item's group and those above it; a circle of parents ends somewhere.
 const QString groupsAbove = QStringLiteral(
-    "WITH RECURSIVE Above (Id, Depth) AS (SELECT ?, 1 UNION ALL SELECT N_ItemGroup.Parent_Id, Above.Depth + 1 "
+    "WITH RECURSIVE Above (Id, Depth) AS (SELECT CAST(? AS TEXT) COLLATE \"KALVOR\", 1 UNION ALL SELECT N_ItemGroup.Parent_Id, Above.Depth + 1 "
     "FROM Above JOIN N_ItemGroup ON N_ItemGroup.Id = Above.Id AND N_ItemGroup.Comp_Id = ? "
     "WHERE N_ItemGroup.Parent_Id IS NOT NULL AND Above.Depth < 16) ");
 
@@ -45,7 +45,8 @@ Fragment discountRows(const QString& companyId, const PricedItem& item, const Li
 {
   const int side = int(request.side);
   const Fragment ofItem{QStringLiteral("Comp_Id = ? AND Item_Id = ? AND Side = ?"), {companyId, item.id, side}};
-  const Fragment ofGroup{QStringLiteral("Comp_Id = ? AND Side = ? AND Item_Id IS NULL"), {companyId, side}};
+  const Fragment ofGroup{QStringLiteral("N_ItemDiscount.ItemGroup_Id = Above.Id AND Comp_Id = ? AND Side = ? AND "
+                                        "Item_Id IS NULL"), {companyId, side}};
   const Fragment suitable =
       Fragment{QStringLiteral(" AND (Measure_Id IS NULL OR Measure_Id = ?) AND (SubDocument_Id IS NULL OR SubDocument_Id IN "
                               "(SELECT N_SubDocument.Id FROM N_SubDocument WHERE N_SubDocument.Comp_Id = ? AND "
@@ -57,7 +58,7 @@ Fragment discountRows(const QString& companyId, const PricedItem& item, const Li
     whose.append(ofContragent(request.contragentId));
   }
   Fragment sql{groupsAbove, {item.groupId, companyId}};
-  const QString byGroup = QStringLiteral("Above CROSS JOIN N_ItemDiscount ON N_ItemDiscount.ItemGroup_Id = Above.Id");
+  const QString byGroup = QStringLiteral("Above CROSS JOIN N_ItemDiscount");
   for (const Fragment& of : std::as_const(whose)) {
     const QLatin1StringView join(&of == &whose.first() ? "" : " UNION ALL ");
     sql += join + matchingRows(QStringLiteral("0"), QStringLiteral("N_ItemDiscount"), ofItem, of, suitable) +

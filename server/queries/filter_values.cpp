@@ -90,7 +90,8 @@ std::optional<Variant> filterValue(DataType type, const Variant& value)
   if (isDateType(type)) {
     return filterMoment(value);
   }
-  return isTextType(type) ? std::optional<Variant>(withoutQuotes(variantText(value))) : std::nullopt;
+  const QString text = withoutQuotes(variantText(value));
+  return isTextType(type) && !text.contains(QChar::Null) ? std::optional<Variant>(text) : std::nullopt;
 }
 
 std::optional<VariantArray> filterValueList(const Variant& value)

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <sodium.h>
 
+#include "server/store/database.h"
 #include "server/store/migrations.h"
 
 namespace kalvor::server {
@@ -34,10 +35,12 @@ QString sessionToken(const QString& text)
   return QString::fromLatin1(QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha256).toHex());
 }
 
-StateStore::StateStore(const QString& database) : connection_(openSqlite(database, false))
+StateStore::StateStore(const QString& database) : connection_(openDatabase(database, ConnectionUse::State))
 {
   connection_->setDurable(false);
-  migrate(*connection_, {stateTables()});
+  // In PostgreSQL these tables lie beside the company's.
+  migrate(*connection_, {stateTables()},
+          connection_->dialect() == Dialect::Sqlite ? QStringLiteral("srv_Migration") : QStringLiteral("srv_StateMigration"));
   connection_->execute(QStringLiteral("DELETE FROM srv_Session WHERE UsedAt < ?"), {nowSeconds() - sessionLifeSeconds});
   connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE LastAt < ?"),
                        {nowSeconds() - failureLifeSeconds});
@@ -45,144 +48,174 @@ StateStore::StateStore(const QString& database) : connection_(openSqlite(databas
 
 StateStore::~StateStore() = default;
 
+// Runs a step alone, and once more when the database ended it in favour of another server's.
+template <typename Body>
+auto StateStore::step(Body body)
+{
+  constexpr int attempts = 3;
+  const std::lock_guard lock(mutex_);
+  for (int attempt = 1;; ++attempt) {
+    try {
+      return body();
+    } catch (const StoreError& error) {
+      if (error.kind() != StoreError::Kind::Collision || attempt == attempts) {
+        throw;
+      }
+    }
+  }
+}
+
 QString StateStore::openSession(Session& session)
 {
   QByteArray bytes(32, Qt::Uninitialized);
   randombytes_buf(bytes.data(), size_t(bytes.size()));
   const QString text = QString::fromLatin1(bytes.toHex());
   session.token = sessionToken(text);
-  const std::lock_guard lock(mutex_);
-  connection_->execute(
-      QStringLiteral("INSERT INTO srv_Session (Token, User_Id, Comp_Id, BusinessGroup_Id, UsedAt) VALUES (?, ?, ?, ?, ?)"),
-      {session.token, session.userId, session.companyId, session.groupId.isNull() ? QStringLiteral("") : session.groupId,
-       nowSeconds()});
-  return text;
+  return step([&] {
+    connection_->execute(
+        QStringLiteral("INSERT INTO srv_Session (Token, User_Id, Comp_Id, BusinessGroup_Id, UsedAt) VALUES (?, ?, ?, ?, ?)"),
+        {session.token, session.userId, session.companyId, session.groupId.isNull() ? QStringLiteral("") : session.groupId,
+         nowSeconds()});
+    return text;
+  });
 }
 
 bool StateStore::resumeSession(const QString& text, Session& session)
 {
   const QString token = sessionToken(text);
-  const std::lock_guard lock(mutex_);
-  auto row = connection_->prepare(
-      QStringLiteral("SELECT User_Id, Comp_Id, BusinessGroup_Id FROM srv_Session WHERE Token = ? AND UsedAt >= ?"));
-  row->bind(0, token);
-  row->bind(1, nowSeconds() - sessionLifeSeconds);
-  if (!row->step()) {
-    return false;
-  }
-  session.token = token;
-  session.userId = row->text(0);
-  session.companyId = row->text(1);
-  session.groupId = row->text(2);
-  return true;
+  return step([&] {
+    auto row = connection_->prepare(
+        QStringLiteral("SELECT User_Id, Comp_Id, BusinessGroup_Id FROM srv_Session WHERE Token = ? AND UsedAt >= ?"));
+    row->bind(0, token);
+    row->bind(1, nowSeconds() - sessionLifeSeconds);
+    if (!row->step()) {
+      return false;
+    }
+    session.token = token;
+    session.userId = row->text(0);
+    session.companyId = row->text(1);
+    session.groupId = row->text(2);
+    return true;
+  });
 }
 
 void StateStore::touch(const Session& session)
 {
   const qint64 now = nowSeconds();
-  const std::lock_guard lock(mutex_);
-  auto row = connection_->prepare(QStringLiteral("SELECT UsedAt FROM srv_Session WHERE Token = ?"));
-  row->bind(0, session.token);
-  if (row->step() && row->integer(0) + 60 <= now) {
-    row->reset();
-    connection_->execute(QStringLiteral("UPDATE srv_Session SET UsedAt = ? WHERE Token = ?"), {now, session.token});
-  }
+  step([&] {
+    auto row = connection_->prepare(QStringLiteral("SELECT UsedAt FROM srv_Session WHERE Token = ?"));
+    row->bind(0, session.token);
+    if (row->step() && row->integer(0) + 60 <= now) {
+      row->reset();
+      connection_->execute(QStringLiteral("UPDATE srv_Session SET UsedAt = ? WHERE Token = ?"), {now, session.token});
+    }
+  });
 }
 
 void StateStore::closeSessionsOf(const QString& userId, const QString& companyId, const QString& exceptToken)
 {
-  const std::lock_guard lock(mutex_);
-  connection_->execute(QStringLiteral("DELETE FROM srv_Session WHERE User_Id = ? AND Comp_Id = ? AND Token <> ?"),
-                       {userId, companyId, exceptToken});
+  step([&] {
+    connection_->execute(QStringLiteral("DELETE FROM srv_Session WHERE User_Id = ? AND Comp_Id = ? AND Token <> ?"),
+                         {userId, companyId, exceptToken});
+  });
 }
 
 bool StateStore::createProvider(const Session& session, const QString& name)
 {
-  const std::lock_guard lock(mutex_);
-  const Variant count =
-      connection_->value(QStringLiteral("SELECT COUNT(*) FROM srv_Provider WHERE Session = ?"), {session.token});
-  if (count.toInt() >= providersPerSession) {
-    return false;
-  }
-  connection_->execute(QStringLiteral("INSERT INTO srv_Provider (Session, Name) VALUES (?, ?)"), {session.token, name});
-  return true;
+  return step([&] {
+    const Variant count =
+        connection_->value(QStringLiteral("SELECT COUNT(*) FROM srv_Provider WHERE Session = ?"), {session.token});
+    if (count.toInt() >= providersPerSession) {
+      return false;
+    }
+    connection_->execute(QStringLiteral("INSERT INTO srv_Provider (Session, Name) VALUES (?, ?)"), {session.token, name});
+    return true;
+  });
 }
 
 void StateStore::deleteProvider(const Session& session, const QString& name)
 {
-  const std::lock_guard lock(mutex_);
-  connection_->execute(QStringLiteral("DELETE FROM srv_Provider WHERE Session = ? AND Name = ?"), {session.token, name});
+  step([&] {
+    connection_->execute(QStringLiteral("DELETE FROM srv_Provider WHERE Session = ? AND Name = ?"), {session.token, name});
+  });
 }
 
 bool StateStore::setProvider(const Session& session, const QString& name, const QByteArray& definition)
 {
-  const std::lock_guard lock(mutex_);
-  return connection_->execute(QStringLiteral("UPDATE srv_Provider SET Definition = ? WHERE Session = ? AND Name = ?"),
-                              {definition, session.token, name}) == 1;
+  return step([&] {
+    return connection_->execute(QStringLiteral("UPDATE srv_Provider SET Definition = ? WHERE Session = ? AND Name = ?"),
+                                {definition, session.token, name}) == 1;
+  });
 }
 
 std::optional<QByteArray> StateStore::provider(const Session& session, const QString& name)
 {
-  const std::lock_guard lock(mutex_);
-  auto row = connection_->prepare(QStringLiteral("SELECT Definition FROM srv_Provider WHERE Session = ? AND Name = ?"));
-  row->bind(0, session.token);
-  row->bind(1, name);
-  return row->step() ? std::optional(row->value(0).toByteArray()) : std::nullopt;
+  return step([&] {
+    auto row = connection_->prepare(QStringLiteral("SELECT Definition FROM srv_Provider WHERE Session = ? AND Name = ?"));
+    row->bind(0, session.token);
+    row->bind(1, name);
+    return row->step() ? std::optional(row->value(0).toByteArray()) : std::nullopt;
+  });
 }
 
 QString StateStore::lockDocument(const Session& session, const QString& documentId, int formId)
 {
-  const std::lock_guard lock(mutex_);
-  Transaction transaction(*connection_);
-  const Variant holder = connection_->value(
-      QStringLiteral("SELECT s.User_Id FROM srv_DocumentLock l INNER JOIN srv_Session s ON s.Token = l.Session "
-                     "WHERE l.Comp_Id = ? AND l.Document_Id = ? AND s.User_Id <> ? AND s.UsedAt >= ?"),
-      {session.companyId, documentId, session.userId, nowSeconds() - lockLifeSeconds});
-  if (!isNull(holder)) {
-    return holder.toString();
-  }
-  connection_->execute(QStringLiteral("DELETE FROM srv_DocumentLock WHERE Comp_Id = ? AND Document_Id = ?"),
-                       {session.companyId, documentId});
-  connection_->execute(
-      QStringLiteral("INSERT INTO srv_DocumentLock (Comp_Id, Document_Id, Form_Id, Session) VALUES (?, ?, ?, ?)"),
-      {session.companyId, documentId, formId, session.token});
-  transaction.commit();
-  return {};
+  return step([&]() -> QString {
+    Transaction transaction(*connection_);
+    const Variant holder = connection_->value(
+        QStringLiteral("SELECT s.User_Id FROM srv_DocumentLock l INNER JOIN srv_Session s ON s.Token = l.Session "
+                       "WHERE l.Comp_Id = ? AND l.Document_Id = ? AND s.User_Id <> ? AND s.UsedAt >= ?"),
+        {session.companyId, documentId, session.userId, nowSeconds() - lockLifeSeconds});
+    if (!isNull(holder)) {
+      return holder.toString();
+    }
+    connection_->execute(QStringLiteral("DELETE FROM srv_DocumentLock WHERE Comp_Id = ? AND Document_Id = ?"),
+                         {session.companyId, documentId});
+    connection_->execute(
+        QStringLiteral("INSERT INTO srv_DocumentLock (Comp_Id, Document_Id, Form_Id, Session) VALUES (?, ?, ?, ?)"),
+        {session.companyId, documentId, formId, session.token});
+    transaction.commit();
+    return {};
+  });
 }
 
 void StateStore::unlockDocument(const Session& session, const QString& documentId)
 {
-  const std::lock_guard lock(mutex_);
-  connection_->execute(
-      QStringLiteral("DELETE FROM srv_DocumentLock WHERE Comp_Id = ? AND Document_Id = ? AND Session IN "
-                     "(SELECT Token FROM srv_Session WHERE User_Id = ? AND Comp_Id = ?)"),
-      {session.companyId, documentId, session.userId, session.companyId});
+  step([&] {
+    connection_->execute(
+        QStringLiteral("DELETE FROM srv_DocumentLock WHERE Comp_Id = ? AND Document_Id = ? AND Session IN "
+                       "(SELECT Token FROM srv_Session WHERE User_Id = ? AND Comp_Id = ?)"),
+        {session.companyId, documentId, session.userId, session.companyId});
+  });
 }
 
 StateStore::Failures StateStore::failures(const QString& who)
 {
-  const std::lock_guard lock(mutex_);
-  auto row = connection_->prepare(QStringLiteral("SELECT Count, LastAt FROM srv_LogInFailure WHERE Who = ?"));
-  row->bind(0, who);
-  if (!row->step() || row->integer(1) < nowSeconds() - failureLifeSeconds) {
-    return {};
-  }
-  return {int(row->integer(0)), nowSeconds() - row->integer(1)};
+  return step([&]() -> Failures {
+    auto row = connection_->prepare(QStringLiteral("SELECT Count, LastAt FROM srv_LogInFailure WHERE Who = ?"));
+    row->bind(0, who);
+    if (!row->step() || row->integer(1) < nowSeconds() - failureLifeSeconds) {
+      return {};
+    }
+    return {int(row->integer(0)), nowSeconds() - row->integer(1)};
+  });
 }
 
 void StateStore::noteFailure(const QString& who)
 {
-  const std::lock_guard lock(mutex_);
-  connection_->execute(
-      QStringLiteral("INSERT INTO srv_LogInFailure (Who, Count, LastAt) VALUES (?, 1, ?) "
-                     "ON CONFLICT (Who) DO UPDATE SET Count = Count + 1, LastAt = excluded.LastAt"),
-      {who.left(200), nowSeconds()});
+  step([&] {
+    connection_->execute(
+        QStringLiteral("INSERT INTO srv_LogInFailure (Who, Count, LastAt) VALUES (?, 1, ?) "
+                       "ON CONFLICT (Who) DO UPDATE SET Count = srv_LogInFailure.Count + 1, LastAt = excluded.LastAt"),
+        {who.left(200), nowSeconds()});
+  });
 }
 
 void StateStore::clearFailures(const QString& who)
 {
-  const std::lock_guard lock(mutex_);
-  connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE Who = ?"), {who.left(200)});
+  step([&] {
+    connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE Who = ?"), {who.left(200)});
+  });
 }
 
 }  // namespace kalvor::server

@@ -43,6 +43,9 @@ class KALVOR_SERVER StateStore {
   void clearFailures(const QString& who);
 
  private:
+  template <typename Body>
+  auto step(Body body);
+
   std::mutex mutex_;
   std::unique_ptr<Connection> connection_;
 };

@@ -1,5 +1,5 @@
-// The thin layer over the embedded database (SQLite) that PostgreSQL joins as a second back end: prepared,
-// parameterised statements, transactions, nothing else. Nobody but server/store names a database library.
+// The thin layer over the database, SQLite in a file or PostgreSQL: prepared, parameterised statements, transactions,
+// nothing else. Nobody but server/store names a database library, and every statement is one text for both.
 #pragma once
 
 #include <QStringList>
@@ -16,7 +16,9 @@ enum class Dialect : quint8 { Sqlite, PostgreSql };
 // A failed statement; the message is for the log, never for a client.
 class KALVOR_SERVER StoreError : public std::runtime_error {
  public:
-  enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt };
+  // Collision: the database ended the transaction in favour of another one; the same again may succeed.
+  // Unreachable: the connection to the database is lost; the next call tries to connect again.
+  enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt, Collision, Unreachable };
   // The rule of a table that a Constraint error broke, and its columns where the database names them.
   enum class Rule : quint8 { None, Required, Unique, Reference };
   StoreError(Kind kind, const QString& message, Rule rule = Rule::None, QStringList columns = {});
@@ -32,6 +34,8 @@ class KALVOR_SERVER StoreError : public std::runtime_error {
 
 // Parameters are written ? and bound in order. Columns declared AMOUNT hold whole millionths: a double in a
 // Variant or a record set, qint64 * 10^-6 in the database; use scaled() / unscaled() around arithmetic.
+// Statements are written in the part of SQL that SQLite and PostgreSQL share; nulls are the smallest values in every
+// order, names match without regard to case, LIKE ignores case.
 // Declared types and their DataType: INTEGER LargeInt, BOOLEAN Boolean (1/0), AMOUNT Float, TEXT or
 // VARCHAR(n) WideString (size n), DATE Date (text yyyyMMdd), TIMESTAMP DateTime (text yyyyMMddThhmmss),
 // BLOB Blob. Text compares by the collation KALVOR: without regard to case, Cyrillic too.
@@ -58,9 +62,11 @@ class KALVOR_SERVER Connection {
   virtual ~Connection() = default;
   virtual Dialect dialect() const = 0;
   virtual std::shared_ptr<Statement> prepare(const QString& sql) = 0;  // cached by text
-  virtual void begin(bool writing) = 0;   // writing: takes the writer's lock at once
+  virtual void define(const QString& statement) = 0;  // CREATE, ALTER, DROP with the types above, without parameters
+  virtual void begin(bool writing) = 0;   // writing: takes the writer's lock at once; inside another: a savepoint
   virtual void commit() = 0;
   virtual void rollback() noexcept = 0;
+  virtual bool inTransaction() const = 0;
   virtual qint64 changedRows() const = 0;
   // Whether commits wait for the disk. Off for what may be lost with the power, such as sessions.
   virtual void setDurable(bool on) = 0;
@@ -90,5 +96,11 @@ constexpr double unscaled(qint64 millionths) { return double(millionths) / doubl
 
 // A database file, or ":memory:" for one connection alone. A connection is used by one thread at a time.
 KALVOR_SERVER std::unique_ptr<Connection> openSqlite(const QString& fileName, bool readOnly);
+
+// Read: nothing can be written through it. Write: one writing transaction at a time in the whole database. State: as
+// Write, for the server's own tables of sessions, whose writers wait for each other only.
+enum class ConnectionUse : quint8 { Read, Write, State };
+// A libpq URI, "postgresql://...". Throws StoreError (Unreachable) when nobody answers.
+KALVOR_SERVER std::unique_ptr<Connection> openPostgres(const QString& uri, ConnectionUse use);
 
 }  // namespace kalvor::server

@@ -14,15 +14,12 @@ struct Migration {
 // The files server/schema/NNN_name.sql inside the program, by number.
 KALVOR_SERVER QList<Migration> embeddedMigrations();
 
-// Runs those that the database has not had. Returns how many ran. Throws StoreError; the failed one leaves nothing
-// behind. A database of a newer program is refused.
-KALVOR_SERVER int migrate(Connection& connection, const QList<Migration>& migrations = embeddedMigrations());
+// Runs those that the database has not had; the record table keeps which it had. Several programs may do so at once.
+// Returns how many ran. Throws StoreError; the failed one leaves nothing behind. A database of a newer program is refused.
+KALVOR_SERVER int migrate(Connection& connection, const QList<Migration>& migrations = embeddedMigrations(),
+                          const QString& record = QStringLiteral("srv_Migration"));
 
-// The parts of a script between ";" outside quotes and comments, comments removed.
-KALVOR_SERVER QStringList splitScript(const QString& script);
-
-// A CREATE TABLE or ALTER TABLE ... ADD for SQLite: text columns get the collation KALVOR, dates and times are
-// kept as text. Other statements are unchanged.
-KALVOR_SERVER QString forSqlite(const QString& statement);
+// Runs the statements of a script one after another, definitions and others; none has parameters.
+KALVOR_SERVER void runScript(Connection& connection, const QString& script);
 
 }  // namespace kalvor::server

@@ -1,3 +1,4 @@
+#include "server/store/schema_script.h"
 #include "server/store/sqlite_statement.h"
 
 namespace kalvor::server {
@@ -28,6 +29,8 @@ class SqliteConnection : public Connection {
   {
     return std::make_shared<SqliteStatement>(handle_, sql.toUtf8());
   }
+
+  void define(const QString& statement) override { handle_->run(forSqlite(statement).toUtf8().constData()); }
 
   void begin(bool writing) override
   {
@@ -63,6 +66,7 @@ class SqliteConnection : public Connection {
     }
   }
 
+  bool inTransaction() const override { return depth_ > 0; }
   qint64 changedRows() const override { return sqlite3_changes64(handle_->database()); }
 
   void setDurable(bool on) override { handle_->run(on ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=NORMAL"); }

@@ -1,79 +1,6 @@
 #include "server/store/sqlite_statement.h"
 
-#include <QDateTime>
-
 namespace kalvor::server {
-
-namespace {
-
-struct TypeWord {
-  QLatin1StringView word;
-  StoredType type;
-};
-constexpr TypeWord typeWords[] = {
-    {QLatin1StringView("INTEGER"), StoredType::Integer}, {QLatin1StringView("BOOLEAN"), StoredType::Boolean},
-    {QLatin1StringView("AMOUNT"), StoredType::Amount},   {QLatin1StringView("TEXT"), StoredType::Text},
-    {QLatin1StringView("VARCHAR"), StoredType::Text},    {QLatin1StringView("DATE"), StoredType::Date},
-    {QLatin1StringView("TIMESTAMP"), StoredType::Timestamp}, {QLatin1StringView("BLOB"), StoredType::Blob},
-};
-
-// The digits at a place as a number; -1 when there are others.
-int digits(std::string_view text, size_t from, size_t count)
-{
-  if (text.size() < from + count) {
-    return -1;
-  }
-  int number = 0;
-  for (char c : text.substr(from, count)) {
-    if (c < '0' || c > '9') {
-      return -1;
-    }
-    number = number * 10 + (c - '0');
-  }
-  return number;
-}
-
-QDate dateOf(std::string_view text)
-{
-  return QDate(digits(text, 0, 4), digits(text, 4, 2), digits(text, 6, 2));
-}
-
-QTime timeOf(std::string_view text)
-{
-  return text.size() < 15 ? QTime(0, 0) : QTime(digits(text, 9, 2), digits(text, 11, 2), digits(text, 13, 2));
-}
-
-}  // namespace
-
-DeclaredType parseDeclaredType(QStringView text)
-{
-  qsizetype length = 0;
-  while (length < text.size() && text.at(length).isLetter()) {
-    ++length;
-  }
-  for (const TypeWord& entry : typeWords) {
-    if (text.left(length).compare(entry.word, Qt::CaseInsensitive) == 0) {
-      const qsizetype close = text.indexOf(u')');
-      const int size = length < text.size() && text.at(length) == u'(' && close > length
-                           ? text.mid(length + 1, close - length - 1).trimmed().toInt() : 0;
-      return {entry.type, entry.type == StoredType::Text ? size : 0};
-    }
-  }
-  return {};
-}
-
-DataType dataTypeOf(StoredType type)
-{
-  switch (type) {
-    case StoredType::Integer: return DataType::LargeInt;
-    case StoredType::Boolean: return DataType::Boolean;
-    case StoredType::Amount: return DataType::Float;
-    case StoredType::Date: return DataType::Date;
-    case StoredType::Timestamp: return DataType::DateTime;
-    case StoredType::Blob: return DataType::Blob;
-    default: return DataType::WideString;
-  }
-}
 
 SqliteStatement::SqliteStatement(std::shared_ptr<SqliteHandle> handle, QByteArray sql)
     : handle_(std::move(handle)), sql_(std::move(sql)), statement_(handle_->take(sql_))
@@ -100,9 +27,9 @@ void SqliteStatement::bind(int index, const Variant& value)
     case QMetaType::ULongLong: code = sqlite3_bind_int64(statement_, at, value.toLongLong()); break;
     case QMetaType::Double: bindAmount(index, value.toDouble()); return;
     case QMetaType::QString: bindText(value.toString()); break;
-    case QMetaType::QDate: bindText(value.toDate().toString(QStringLiteral("yyyyMMdd"))); break;
+    case QMetaType::QDate: bindText(storedText(value.toDate())); break;
     case QMetaType::QTime: bindText(value.toTime().toString(QStringLiteral("HH:mm:ss"))); break;
-    case QMetaType::QDateTime: bindText(value.toDateTime().toString(QStringLiteral("yyyyMMdd'T'HHmmss"))); break;
+    case QMetaType::QDateTime: bindText(storedText(value.toDateTime())); break;
     case QMetaType::QByteArray: {
       const QByteArray bytes = value.toByteArray();
       code = bytes.isEmpty() ? sqlite3_bind_zeroblob(statement_, at, 0)
@@ -204,8 +131,8 @@ Variant SqliteStatement::value(int index) const
     case StoredType::Boolean: return integer(index) != 0;
     case StoredType::Amount: return sqlite3_column_double(statement_, index) / double(amountScale);
     case StoredType::Text: return text(index);
-    case StoredType::Date: return dateOf(utf8(index));
-    case StoredType::Timestamp: return QDateTime(dateOf(utf8(index)), timeOf(utf8(index)));
+    case StoredType::Date: return storedDate(utf8(index));
+    case StoredType::Timestamp: return QDateTime(storedDate(utf8(index)), storedTime(utf8(index)));
     default: break;
   }
   switch (sqlite3_column_type(statement_, index)) {
@@ -253,14 +180,10 @@ void SqliteStatement::appendCellTo(Column& column, DataType type, int index) con
     column.appendInteger(integer(index));
     return;
   }
-  const QDate date = dateOf(utf8(index));
-  if (!date.isValid()) {
-    column.appendNull();
-  } else if (type == DataType::Date) {
-    column.appendInteger(date.toJulianDay());
+  if (const auto number = storedDateNumber(utf8(index), type)) {
+    column.appendInteger(*number);
   } else {
-    constexpr qint64 epoch = 2440588;  // Julian day of 1970-01-01
-    column.appendInteger((date.toJulianDay() - epoch) * 86'400'000 + timeOf(utf8(index)).msecsSinceStartOfDay());
+    column.appendNull();
   }
 }
 

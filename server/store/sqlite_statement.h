@@ -2,18 +2,9 @@
 #pragma once
 
 #include "server/store/sqlite_handle.h"
+#include "server/store/stored_type.h"
 
 namespace kalvor::server {
-
-// Types a column can be declared with; None: an expression without a type.
-enum class StoredType : quint8 { None, Integer, Boolean, Amount, Text, Date, Timestamp, Blob };
-struct DeclaredType {
-  StoredType type = StoredType::None;
-  int size = 0;  // VARCHAR(n)
-};
-// Of a declaration such as "VARCHAR(20)"; an unknown word is None.
-DeclaredType parseDeclaredType(QStringView text);
-DataType dataTypeOf(StoredType type);
 
 class SqliteStatement : public Statement {
  public:

@@ -15,7 +15,9 @@ std::optional<Variant> columnValue(const ColumnInfo& column, const Variant& valu
     return value.typeId() == QMetaType::QByteArray ? value : Variant(variantText(value).toUtf8());
   }
   if (isTextType(column.type)) {
-    return value.typeId() == QMetaType::QByteArray ? std::nullopt : std::optional<Variant>(variantText(value));
+    const QString text = variantText(value);
+    const bool storable = value.typeId() != QMetaType::QByteArray && !text.contains(QChar::Null);
+    return storable ? std::optional<Variant>(text) : std::nullopt;
   }
   if (value.typeId() == QMetaType::QString && value.toString().trimmed().isEmpty()) {
     return Variant();

@@ -9,6 +9,7 @@
 #include "server/server.h"
 #include "server/server_core.h"
 #include "several_tests.h"
+#include "test_database.h"
 #include "wire_caller.h"
 
 namespace kalvor::testing {
@@ -26,7 +27,7 @@ class OverTheWireTest : public QObject {
   void initTestCase()
   {
     server::ServerOptions options;
-    options.database = QStringLiteral(":memory:");
+    options.database = newServerDatabase();
     options.port = 0;
     server_ = std::make_unique<server::ApplicationServer>(options);
     server::DemoOptions demo;

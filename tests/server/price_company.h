@@ -6,6 +6,7 @@
 #include "server/server.h"
 #include "server/server_core.h"
 #include "server/store/migrations.h"
+#include "test_database.h"
 #include "wire_caller.h"
 
 namespace kalvor::testing {
@@ -17,7 +18,7 @@ class PriceCompany {
   {
     server::setPasswordCost(server::PasswordCost::CheapForTests);
     server::ServerOptions options;
-    options.database = QStringLiteral(":memory:");
+    options.database = newServerDatabase();
     options.port = 0;
     server_ = std::make_unique<server::ApplicationServer>(options);
     server_->core().today = [] { return QDate(2026, 7, 1); };
@@ -29,9 +30,7 @@ class PriceCompany {
     const auto writer = server_->core().openWriter();
     server::createDemoCompany(*writer, demo);
     server::Transaction transaction(*writer);
-    for (const QString& statement : server::splitScript(QString::fromUtf8(statements))) {
-      writer->execute(statement);
-    }
+    server::runScript(*writer, QString::fromUtf8(statements));
     transaction.commit();
     server_->start();
   }

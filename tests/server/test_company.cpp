@@ -3,6 +3,7 @@
 #include <QCryptographicHash>
 
 #include "server/store/migrations.h"
+#include "server/test_database.h"
 
 namespace kalvor::testing {
 
@@ -11,6 +12,7 @@ using namespace server;
 namespace {
 
 const char* const tables = R"(
+CREATE TABLE T_Partner (Id VARCHAR(32) NOT NULL PRIMARY KEY, Comp_Id VARCHAR(10) NOT NULL, Name VARCHAR(50));
 CREATE TABLE T_Doc (
   Id VARCHAR(32) NOT NULL PRIMARY KEY, Comp_Id VARCHAR(10) NOT NULL, DocumentNo VARCHAR(20), AbsoluteNo VARCHAR(20),
   Name VARCHAR(12) NOT NULL, DocDate DATE, Moment TIMESTAMP, Amount AMOUNT, Kind INTEGER NOT NULL DEFAULT 0, Flag BOOLEAN,
@@ -20,7 +22,6 @@ CREATE UNIQUE INDEX UX_T_Doc ON T_Doc (Comp_Id, DocumentNo);
 CREATE INDEX IX_T_Doc_Date ON T_Doc (Comp_Id, DocDate, Id);
 CREATE TABLE T_Line (
   Id VARCHAR(32) NOT NULL PRIMARY KEY, Master_Id VARCHAR(32) NOT NULL REFERENCES T_Doc (Id), Text VARCHAR(50), Quantity AMOUNT);
-CREATE TABLE T_Partner (Id VARCHAR(32) NOT NULL PRIMARY KEY, Comp_Id VARCHAR(10) NOT NULL, Name VARCHAR(50));
 CREATE TABLE T_Hidden (Id VARCHAR(32) NOT NULL PRIMARY KEY, Comp_Id VARCHAR(10) NOT NULL, Note VARCHAR(50));
 INSERT INTO T_Partner VALUES ('P1', '5', 'Алфа'), ('P2', '5', 'Бета'), ('P6', '6', 'Чужд');
 INSERT INTO T_Hidden VALUES ('H1', '5', 'тайна');
@@ -87,13 +88,16 @@ QString digestOf(const QString& password)
   return QString::fromLatin1(QCryptographicHash::hash(password.toUtf8(), QCryptographicHash::Md5).toHex());
 }
 
-TestCompany::TestCompany() : core_(ServerCore::Databases::of(QStringLiteral(":memory:"))), writer_(core_.openWriter())
+TestCompany::TestCompany(const ServerCore::Databases& databases)
+    : databases_(databases), core_(databases_), writer_(core_.openWriter()), reader_(core_.openReader())
+{
+}
+
+TestCompany::TestCompany() : TestCompany(ServerCore::Databases::of(newServerDatabase()))
 {
   setPasswordCost(PasswordCost::CheapForTests);
   Transaction transaction(*writer_);
-  for (const QString& statement : splitScript(QString::fromUtf8(tables))) {
-    writer_->execute(forSqlite(statement));
-  }
+  runScript(*writer_, QString::fromUtf8(tables));
   for (int form : {9000, 9001}) {
     addQuery(*writer_, form * 10, form, 0, documents, QStringLiteral("T_Doc"), QStringLiteral("T_Doc.Id"),
              QStringLiteral("T_Doc.Comp_Id"), QStringLiteral("T_Doc.Id"));
@@ -117,7 +121,6 @@ TestCompany::TestCompany() : core_(ServerCore::Databases::of(QStringLiteral(":me
   addUser(*writer_, QStringLiteral("XY"), QStringLiteral("6"), true, QStringLiteral("reidp"));
   MetadataCache::touch(*writer_);
   transaction.commit();
-  reader_ = core_.openReader();
 }
 
 void TestCompany::addDocument(const QString& id, int kind, const QString& name, int lineCount)

@@ -15,7 +15,10 @@ namespace kalvor::testing {
 class TestCompany {
  public:
   TestCompany();
+  // Another server on the same databases.
+  explicit TestCompany(const server::ServerCore::Databases& databases);
 
+  const server::ServerCore::Databases& databases() const { return databases_; }
   server::ServerCore& core() { return core_; }
   server::Connection& writer() { return *writer_; }
   server::Connection& reader() { return *reader_; }
@@ -23,6 +26,7 @@ class TestCompany {
   void addDocument(const QString& id, int kind, const QString& name = QStringLiteral("Документ"), int lines = 0);
 
  private:
+  server::ServerCore::Databases databases_;
   server::ServerCore core_;
   std::unique_ptr<server::Connection> writer_;
   std::unique_ptr<server::Connection> reader_;

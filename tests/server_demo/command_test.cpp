@@ -48,13 +48,13 @@ class CommandTest : public QObject {
   void initMakesWhatIsMissing()
   {
     QTemporaryDir folder;
-    const QString file = folder.filePath(QStringLiteral("deeper/company.db"));
+    const QString file = kalvor::testing::newDatabaseName(folder.filePath(QStringLiteral("deeper/company.db")));
     const auto hash = [](const QString& digest) { return digest; };
     QCOMPARE(runInit({"--db", file, "--invoices", "x"}, hash), 2);
     QVERIFY(!QFile::exists(file));
     QCOMPARE(runInit({"--db", file, "--invoices", "20", "--lines", "3"}, hash), 0);
     QCOMPARE(runInit({"--db", file, "--invoices", "5"}, hash), 0);
-    const auto connection = openSqlite(file, true);
+    const auto connection = openDatabase(file, ConnectionUse::Read);
     const auto number = [&](const char* sql) { return connection->value(QString::fromLatin1(sql)).toLongLong(); };
     QCOMPARE(number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE Comp_Id = '1'"), 5025);
     QCOMPARE(number("SELECT COUNT(*) FROM N_Item WHERE Comp_Id = '1'"), 1000);
@@ -76,7 +76,9 @@ class CommandTest : public QObject {
     const auto connection = kalvor::testing::demoDatabase();
     const auto indexes = [&] {
       return connection
-          ->value(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'index' AND name LIKE 'IX%'"))
+          ->value(kalvor::testing::onPostgres()
+                      ? QStringLiteral("SELECT COUNT(*) FROM pg_indexes WHERE indexname LIKE 'ix%'")
+                      : QStringLiteral("SELECT COUNT(*) FROM sqlite_schema WHERE type = 'index' AND name LIKE 'IX%'"))
           .toInt();
     };
     const int before = indexes();

@@ -1,8 +1,9 @@
-// A database in memory with the demo companies, small unless asked otherwise.
+// A new database with the demo companies, small unless asked otherwise.
 #pragma once
 
 #include "server/demo/demo_company.h"
 #include "server/store/migrations.h"
+#include "server/test_database.h"
 
 namespace kalvor::testing {
 
@@ -18,7 +19,7 @@ inline server::DemoOptions smallDemo()
 
 inline std::unique_ptr<server::Connection> demoDatabase(const server::DemoOptions& options = smallDemo())
 {
-  auto connection = server::openSqlite(QStringLiteral(":memory:"), false);
+  auto connection = newTestConnection();
   server::migrate(*connection);
   server::createDemoCompany(*connection, options);
   return connection;

@@ -14,7 +14,7 @@ class MetadataTest : public QObject {
  private slots:
   void initTestCase()
   {
-    database_ = openSqlite(QStringLiteral(":memory:"), false);
+    database_ = kalvor::testing::newTestConnection();
     migrate(*database_);
     QVERIFY(loadMetadata(*database_, embeddedMetadata(), ExistingRows::Keep) > 30);
   }

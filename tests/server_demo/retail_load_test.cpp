@@ -23,9 +23,9 @@ class RetailLoadTest : public QObject {
     }
     QTemporaryDir folder;
     QCOMPARE(QProcess::execute(QStringLiteral("python3"), {script, QStringLiteral("--tables"), folder.path()}), 0);
-    const QString database = folder.filePath(QStringLiteral("company.db"));
+    const QString database = kalvor::testing::newDatabaseName(folder.filePath(QStringLiteral("company.db")));
     {
-      const auto connection = openSqlite(database, false);
+      const auto connection = openDatabase(database, ConnectionUse::Write);
       migrate(*connection);
       createDemoCompany(*connection, kalvor::testing::smallDemo());
     }
@@ -40,7 +40,7 @@ class RetailLoadTest : public QObject {
       }
       QCOMPARE(runLoad(arguments), 0);
     }
-    const auto connection = openSqlite(database, true);
+    const auto connection = openDatabase(database, ConnectionUse::Read);
     const auto number = [&](const char* sql) { return connection->value(QString::fromLatin1(sql)).toLongLong(); };
     QCOMPARE(
         number("SELECT COUNT(*) FROM D_SaleInvoiceHeader WHERE DocumentNo LIKE '536%' OR DocumentNo LIKE 'C536%'"),
