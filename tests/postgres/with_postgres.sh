@@ -12,7 +12,7 @@ if ! [ -x "$programs/initdb" ] || ! [ -x "$programs/pg_ctl" ]; then
   exit 77
 fi
 
-folder=$(mktemp -d "${TMPDIR:-/tmp}/kalvor-postgres.XXXXXX")
+folder=$(mktemp -d -t kalvor-postgres.XXXXXX)
 as_owner() { "$@"; }
 if [ "$(id -u)" = 0 ]; then
   # PostgreSQL refuses to run as root.
