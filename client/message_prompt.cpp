@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 
 namespace kalvor {
 
@@ -86,9 +87,18 @@ void MessagePrompt::processMessages()
 
 QString MessagePrompt::chooseFile(const QString& title, const QString& pattern, bool forSaving)
 {
-  QWidget* parent = QApplication::activeWindow();
-  return forSaving ? QFileDialog::getSaveFileName(parent, title, {}, pattern)
-                   : QFileDialog::getOpenFileName(parent, title, {}, pattern);
+  return chooseFileIn({}, title, pattern, forSaving);
+}
+
+QString MessagePrompt::chooseFileIn(const QString& folder, const QString& title, const QString& pattern, bool forSaving)
+{
+  QWidget* parent = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : QApplication::activeWindow();
+  QFileDialog dialog(parent, title, folder, pattern);
+  dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog.setFileMode(forSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  static const QRegularExpression extension(QStringLiteral("\\(\\*\\.(\\w+)"));
+  dialog.setDefaultSuffix(extension.match(pattern).captured(1));
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 }  // namespace kalvor

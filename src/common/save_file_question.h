@@ -8,6 +8,6 @@ class QString;
 namespace kalvor {
 
 // The chosen file's name, with the extension when the user gave none; empty when nothing was chosen.
-QString askSaveFile(const QString& title, const QString& pattern, const QString& extension);
+KALVOR_RULES QString askSaveFile(const QString& title, const QString& pattern, const QString& extension);
 
 }  // namespace kalvor
