@@ -31,6 +31,7 @@ constexpr ButtonRow buttonRows[] = {
     {PromptButton::Ok, QMessageBox::Ok, u"Ok"},
     {PromptButton::Yes, QMessageBox::Yes, u"&Да"},
     {PromptButton::No, QMessageBox::No, u"&Не"},
+    {PromptButton::YesToAll, QMessageBox::YesToAll, u"Да за &всички"},
     {PromptButton::Cancel, QMessageBox::Cancel, u"&Отказ"},
 };
 

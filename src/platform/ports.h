@@ -11,7 +11,7 @@
 namespace kalvor {
 
 enum class PromptKind : quint8 { Plain, Information, Confirmation, Warning, Error };
-enum class PromptButton : quint8 { Ok, Yes, No, Cancel };
+enum class PromptButton : quint8 { Ok, Yes, No, Cancel, YesToAll };
 
 class KALVOR_PLATFORM UserPrompt {
  public:

@@ -30,6 +30,7 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   void acDeleteRecordExecute() override;
   void acSaveExecute() override;
   void acCancelExecute() override;
+  void acImportExecute() override;
   void DeleteRecord() override;
   void InsertRecord() override;
   void EditRecord() override;

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "forms/grid_order.h"
+#include "import/import_line.h"
 #include "registry/form_interfaces.h"
 
 class QMenu;
@@ -18,6 +19,8 @@ class QMenu;
 namespace kalvor {
 
 struct TCDSOptions;
+struct TFormatSettings;
+class TImportFilter;
 struct TFormRights;
 class TDBGrid;
 class SelectorControl;
@@ -145,7 +148,16 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual void ProcessCopyData();
   virtual bool CheckDataModification(bool edit, bool remove, bool insert);
   virtual void GetPrintDocument();
-  virtual void ImportData();
+  // Imports a data file into this form, which becomes the form of that identifier; the master opens empty unless
+  // so_DoNotShow is among the options. keyField and keyValue name the document of a file that holds lines only.
+  // Unattended: nothing is shown and nothing asked. False: the run broke off at an error, whose text is in error; what
+  // was saved before it stays saved.
+  virtual bool ImportData(int formId, const TImportFilter& filter, const QString& fileName, const QString& keyField,
+                          const QString& keyValue, QString& error, ShowOption options, bool unattended);
+  // Readies the master for one record by the import action (IMPORT_ACTION): -1 failed (error says why), 0 go on, 1 the
+  // record is passed over.
+  int PrepareImportCDS(int importAction, const TImportLine& line, const TFormatSettings& settings, QString& error);
+  bool isImporting() const;
   virtual void DoSaveGridView(TDBGrid* grid);
   virtual void DoLoadGridView(TDBGrid* grid);
   virtual bool isLockedField(TField* field);
@@ -203,6 +215,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual void acRefreshExecute();
   virtual void acGetDetailsExecute();
   virtual void acSelectExecute();
+  virtual void acImportExecute();
   void SetEditControlsReadOnly();
   void SetPageControlCaptions();
   void reopenMaster();                      // after a new request: closes, forgets the metadata, opens

@@ -39,7 +39,7 @@ void TfBase::bindActions()
       {"acGetDetails", &TfBase::acGetDetailsExecute},
       {"acSelect", &TfBase::acSelectExecute},
       {"acCopyNew", &TfBase::acCopyNewExecute},
-      {"acImport", &TfBase::ImportData},
+      {"acImport", &TfBase::acImportExecute},
       {"acReCalcDocument", &TfBase::DoRecalcDocument},
   };
   for (const Body& body : bodies) {
@@ -181,7 +181,6 @@ void TfBase::GetDocumentInfo() {}
 void TfBase::BuildRaveFilter() {}
 void TfBase::ProcessCopyData() {}
 void TfBase::GetPrintDocument() {}
-void TfBase::ImportData() {}
 void TfBase::DoRecalcDocument() {}
 void TfBase::ApplyDataModificationColors() {}
 void TfBase::ApplyReadOnlyColors() {}
