@@ -42,6 +42,22 @@ QString plainLineBreaks(QString text)
       .remove(u'\r');
 }
 
+// "Text Files (*.txt)|*.txt|All Files (*.*)|*.*" as the toolkit writes it. Whoever opens a spreadsheet may have either
+// kind of it.
+QString fileTypes(const QString& pattern, bool forSaving)
+{
+  const QStringList parts = pattern.split(u'|');
+  QStringList types;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QString masks = QString(parts[i + 1]).replace(u';', u' ');
+    if (!forSaving && masks == u"*.xls") {
+      masks += QStringLiteral(" *.xlsx");
+    }
+    types.append(parts[i].section(u'(', 0, 0).trimmed() + QStringLiteral(" (") + masks.replace(QStringLiteral("*.*"), QStringLiteral("*")) + u')');
+  }
+  return parts.size() < 2 ? pattern : types.join(QStringLiteral(";;"));
+}
+
 }  // namespace
 
 PromptButton MessagePrompt::message(PromptKind kind, const QString& text, const QList<PromptButton>& buttons)
@@ -87,9 +103,10 @@ void MessagePrompt::processMessages()
 
 QString MessagePrompt::chooseFile(const QString& title, const QString& pattern, bool forSaving)
 {
-  QWidget* parent = QApplication::activeWindow();
-  return forSaving ? QFileDialog::getSaveFileName(parent, title, {}, pattern)
-                   : QFileDialog::getOpenFileName(parent, title, {}, pattern);
+  QWidget* parent = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : QApplication::activeWindow();
+  const QString types = fileTypes(pattern, forSaving);
+  return forSaving ? QFileDialog::getSaveFileName(parent, title, {}, types)
+                   : QFileDialog::getOpenFileName(parent, title, {}, types);
 }
 
 }  // namespace kalvor

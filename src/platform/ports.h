@@ -20,7 +20,8 @@ class KALVOR_PLATFORM UserPrompt {
   virtual PromptButton message(PromptKind kind, const QString& text, const QList<PromptButton>& buttons) = 0;
   virtual void setWaitCursor(bool on) = 0;  // nested
   virtual void processMessages() = 0;       // lets the interface breathe
-  virtual QString chooseFile(const QString& title, const QString& pattern, bool forSaving) = 0;  // empty = none
+  // pattern: "Text Files (*.txt)|*.txt|All Files (*.*)|*.*". Empty = none was chosen.
+  virtual QString chooseFile(const QString& title, const QString& pattern, bool forSaving) = 0;
 };
 
 class KALVOR_PLATFORM Clock {
