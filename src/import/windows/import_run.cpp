@@ -26,6 +26,19 @@ TClientDataSet* firstDetail(const TfBase& form)
   return form.dataSetCount() > 1 ? form.cdsOptions(1).DataSet : nullptr;
 }
 
+// The blanks that fill a column of fixed width are none of the text's.
+Variant withoutPadding(const Variant& value)
+{
+  QString text = value.typeId() == QMetaType::QString ? value.toString() : QString();
+  if (!text.endsWith(u' ')) {
+    return value;
+  }
+  while (text.endsWith(u' ')) {
+    text.chop(1);
+  }
+  return text;
+}
+
 }  // namespace
 
 ImportRun::ImportRun(TfBase& form, const TImportFilter& filter, QString keyField, QString keyValue,
@@ -186,7 +199,7 @@ void ImportRun::putCells(TClientDataSet& dataSet, const TImportLine& line)
 {
   for (const TImportCell& cell : line) {
     if (TField* field = dataSet.FindField(cell.FieldName)) {
-      setFieldAnyway(field, ParseAsFieldType(cell.Value, field->FieldDataType(), settings_));
+      setFieldAnyway(field, ParseAsFieldType(withoutPadding(cell.Value), field->FieldDataType(), settings_));
     }
   }
 }

@@ -52,6 +52,11 @@ QString transferFolder(const QString& infoFileName)
          directorySeparator();
 }
 
+TImportXMLSet::TImportXMLSet(const TTransferInfo& info) : info_(info)
+{
+  info_.FileName = info.FileName;  // a copy has none
+}
+
 bool TImportXMLSet::ImportTranfer()
 {
   const QString folder = transferFolder(info_.FileName);

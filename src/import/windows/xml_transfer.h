@@ -8,7 +8,7 @@ namespace kalvor {
 
 class BASE_PACKAGE TImportXMLSet {
  public:
-  explicit TImportXMLSet(TTransferInfo info) : info_(std::move(info)) {}
+  explicit TImportXMLSet(const TTransferInfo& info);
 
   // Imports the files of the info, unattended, each by its row of the transfer list; the outcome goes into the info
   // file, which is written anew, and its name to the server. True: all of them were imported. Data files that do not fit
