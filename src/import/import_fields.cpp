@@ -35,7 +35,7 @@ ImportCondition readCondition(const QString& text, ConditionValues values)
   return condition;
 }
 
-QStringList fieldList(const QString& text)
+QStringList linkFieldList(const QString& text)
 {
   const QString separator = QStringLiteral(",");
   QStringList fields;
@@ -62,9 +62,9 @@ ImportLookup importLookup(const QString& description, const TImportFilter& filte
   const QString links = descriptionItem(description, itemLinks);
   const QString targets = filter.LinkFieldsDescr.value(GetItemAtPos(links, QStringLiteral(";"), 1).trimmed());
   lookup.sourceFields = filter.LinkFieldsDescr.value(GetItemAtPos(links, QStringLiteral(";"), 0).trimmed());
-  lookup.targetFields = fieldList(targets);
+  lookup.targetFields = linkFieldList(targets);
   lookup.fieldsAgree = !targets.trimmed().isEmpty() && !lookup.sourceFields.trimmed().isEmpty() &&
-                       fieldList(lookup.sourceFields).size() == lookup.targetFields.size();
+                       linkFieldList(lookup.sourceFields).size() == lookup.targetFields.size();
 
   for (const QString& condition : descriptionItem(description, itemConditions).split(u';'))
     if (!condition.trimmed().isEmpty())

@@ -27,7 +27,7 @@ TDelimiter separatorOption(const TImportFilter& filter)
   return option == separatorOptions.end() ? dtChar : option->kind;
 }
 
-bool isBlankLine(const QByteArray& line)
+bool isBlankTextLine(const QByteArray& line)
 {
   return std::all_of(line.begin(), line.end(), [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; });
 }
@@ -164,7 +164,7 @@ bool TImportTxt::takeFirstLine()
   return false;
 }
 
-bool TImportTxt::isAtEnd() { return lines_.onlyBlanksLeft() && isBlankLine(pending_); }
+bool TImportTxt::isAtEnd() { return lines_.onlyBlanksLeft() && isBlankTextLine(pending_); }
 
 // False: a lookup of the line failed. A line without cells is no detail line.
 bool TImportTxt::appendDetail(TImportSet& details)

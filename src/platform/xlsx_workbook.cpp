@@ -15,18 +15,18 @@ struct XlsxRelation {
   QString part;
 };
 
-QString partPath(const QString& folder, const QString& target)
+QString xlsxPartPath(const QString& folder, const QString& target)
 {
   const QString path = target.startsWith(u'/') ? target.mid(1) : folder + target;
   return QDir::cleanPath(path);
 }
 
-QString folderOf(const QString& part) { return part.left(part.lastIndexOf(u'/') + 1); }
+QString xlsxFolderOf(const QString& part) { return part.left(part.lastIndexOf(u'/') + 1); }
 
 QHash<QString, XlsxRelation> readRelations(const ZipArchive& archive, const QString& part)
 {
   QHash<QString, XlsxRelation> relations;
-  const QString folder = folderOf(part);
+  const QString folder = xlsxFolderOf(part);
   const auto stream = archive.open(folder + QStringLiteral("_rels/") + part.mid(folder.size()) + QStringLiteral(".rels"));
   if (!stream)
     return relations;
@@ -34,7 +34,7 @@ QHash<QString, XlsxRelation> readRelations(const ZipArchive& archive, const QStr
   while (nextXlsxElement(xml, *stream))
     if (xml.name() == u"Relationship" && relations.size() < ZipArchive::mostParts)
       relations.insert(xlsxAttribute(xml, u"Id"), {xlsxAttribute(xml, u"Type").section(u'/', -1),
-                                                   partPath(folder, xlsxAttribute(xml, u"Target"))});
+                                                   xlsxPartPath(folder, xlsxAttribute(xml, u"Target"))});
   return relations;
 }
 
@@ -46,7 +46,7 @@ QString relatedPart(const QHash<QString, XlsxRelation>& relations, QStringView t
   return {};
 }
 
-bool isTrue(const QString& value) { return value == u"1" || value == u"true"; }
+bool isXlsxTrue(const QString& value) { return value == u"1" || value == u"true"; }
 
 void readSheets(const ZipArchive& archive, const QString& part, const QHash<QString, XlsxRelation>& relations,
                 XlsxWorkbook& workbook)
@@ -56,7 +56,7 @@ void readSheets(const ZipArchive& archive, const QString& part, const QHash<QStr
     return;
   QXmlStreamReader xml(stream.get());
   while (nextXlsxElement(xml, *stream)) {
-    if (xml.name() == u"workbookPr" && isTrue(xlsxAttribute(xml, u"date1904")))
+    if (xml.name() == u"workbookPr" && isXlsxTrue(xlsxAttribute(xml, u"date1904")))
       workbook.epoch = CellEpoch::Year1904;
     if (xml.name() != u"sheet" || !workbook.sheetPart.isEmpty())
       continue;

@@ -81,10 +81,12 @@ void prepareXslt()
   xsltSetGenericErrorFunc(nullptr, keepXsltMessage);
 }
 
-void refuseDoctype(void* parser, const xmlChar*, const xmlChar*, const xmlChar*)
+// Before anything that the DOCTYPE declares is read.
+void stopAtDoctype(void* context, const xmlChar*, const xmlChar*, const xmlChar*)
 {
-  firstXmlMessage = QStringLiteral("DOCTYPE не се приема");
-  xmlStopParser(static_cast<xmlParserCtxtPtr>(parser));
+  const auto parser = static_cast<xmlParserCtxtPtr>(context);
+  *static_cast<bool*>(parser->_private) = true;
+  xmlStopParser(parser);
 }
 
 XmlDocument parseXml(const QByteArray& bytes, const QString& refusal)
@@ -92,10 +94,14 @@ XmlDocument parseXml(const QByteArray& bytes, const QString& refusal)
   const XmlParser parser(xmlNewParserCtxt());
   if (!parser || bytes.size() > mostXmlBytes)
     refuseXml(refusal);
-  parser->sax->internalSubset = refuseDoctype;
+  bool hasDoctype = false;
+  parser->_private = &hasDoctype;
+  parser->sax->internalSubset = stopAtDoctype;
   XmlDocument document(xmlCtxtReadMemory(parser.get(), bytes.constData(), int(bytes.size()), nullptr, nullptr,
                                          XML_PARSE_NONET | XML_PARSE_NOCDATA | XML_PARSE_COMPACT));
-  if (!document || !parser->wellFormed || document->intSubset)
+  if (hasDoctype)
+    firstXmlMessage = QStringLiteral("DOCTYPE не се приема");
+  if (hasDoctype || !document || !parser->wellFormed)
     refuseXml(refusal);
   return document;
 }
@@ -124,7 +130,7 @@ SecurityRules forbidEverything()
   return rules;
 }
 
-XmlDocument transform(xmlDocPtr source, xsltStylesheetPtr stylesheet)
+XmlDocument transformXml(xmlDocPtr source, xsltStylesheetPtr stylesheet)
 {
   const QString refusal = QStringLiteral("Преобразуването на XML не успя");
   const Transformation context(xsltNewTransformContext(stylesheet, source));
@@ -141,19 +147,19 @@ XmlDocument transform(xmlDocPtr source, xsltStylesheetPtr stylesheet)
   return result;
 }
 
-bool isElement(const xmlNode* node, const char* name)
+bool isXmlElement(const xmlNode* node, const char* name)
 {
   return node->type == XML_ELEMENT_NODE && xmlStrEqual(node->name, reinterpret_cast<const xmlChar*>(name));
 }
 
-const xmlNode* firstElement(const xmlNode* node)
+const xmlNode* firstXmlElement(const xmlNode* node)
 {
   while (node && node->type != XML_ELEMENT_NODE)
     node = node->next;
   return node;
 }
 
-QString elementText(const xmlNode* node)
+QString xmlElementText(const xmlNode* node)
 {
   const std::unique_ptr<xmlChar, FreeWith<[](xmlChar* text) { xmlFree(text); }>> text(
       xmlNodeGetContent(const_cast<xmlNode*>(node)));
@@ -164,16 +170,16 @@ TextTable tableOf(xmlDocPtr document)
 {
   const QString refusal = QStringLiteral("Преобразуването на XML не дава таблица");
   const xmlNode* const root = xmlDocGetRootElement(document);
-  if (!root || !isElement(root, "table"))
+  if (!root || !isXmlElement(root, "table"))
     refuseXml(refusal);
   TextTable table;
   int row = 0;
-  for (const xmlNode* rowNode = firstElement(root->children); rowNode; rowNode = firstElement(rowNode->next), ++row) {
+  for (const xmlNode* rowNode = firstXmlElement(root->children); rowNode; rowNode = firstXmlElement(rowNode->next), ++row) {
     int column = 0;
-    for (const xmlNode* cell = firstElement(rowNode->children); cell; cell = firstElement(cell->next), ++column) {
-      if (!isElement(rowNode, "row") || !isElement(cell, "c"))
+    for (const xmlNode* cell = firstXmlElement(rowNode->children); cell; cell = firstXmlElement(cell->next), ++column) {
+      if (!isXmlElement(rowNode, "row") || !isXmlElement(cell, "c"))
         refuseXml(refusal);
-      table.append(row, column, elementText(cell));
+      table.append(row, column, xmlElementText(cell));
     }
   }
   return table;
@@ -186,7 +192,7 @@ TextTable readXmlTable(const QByteArray& xml, const QByteArray& stylesheet)
   prepareXslt();
   const Stylesheet rules = parseStylesheet(stylesheet);
   const XmlDocument source = parseXml(xml, QStringLiteral("Файлът не е правилен XML"));
-  return tableOf(transform(source.get(), rules.get()).get());
+  return tableOf(transformXml(source.get(), rules.get()).get());
 }
 
 TextTable readXmlFile(const QString& fileName, const QByteArray& stylesheet)
