@@ -40,7 +40,7 @@ struct Document {
     const QString text = variantText(filter.value(0).value);
     for (const QString& known : items)
       if (filter.value(0).op == QLatin1String("=") ? known.compare(text, Qt::CaseInsensitive) == 0
-                                                   : known.startsWith(text, Qt::CaseInsensitive))
+                                                   : text.endsWith(u'%') && known.startsWith(text.chopped(1), Qt::CaseInsensitive))
         found.append(known);
     if (!found.isEmpty())
       value = VariantArray{found.first(), QStringLiteral("Артикул ") + found.first(), QStringLiteral("id") + found.first()};
@@ -99,7 +99,7 @@ class SelectorChangesTest : public QObject {
     QTEST(int(document.services.openedForms.size()), "opened");
     QCOMPARE(document.heard, QStringList{document.code()->AsString()});
     if (!document.services.openedForms.isEmpty()) {
-      QCOMPARE(filterText(document.services.openedFilter), QStringLiteral("(N_Item.Code;LIKE;%1;)").arg(text));
+      QCOMPARE(filterText(document.services.openedFilter), QStringLiteral("(N_Item.Code;LIKE;%1%;)").arg(text));
       QVERIFY(document.services.openedOptions.testFlag(so_ShowModal));
     }
   }
