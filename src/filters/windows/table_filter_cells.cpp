@@ -197,7 +197,7 @@ bool TfTableFilter::gridKey(QKeyEvent* event)
       return true;
     case Qt::Key_Delete:
       if (grid_->RowCount() > 2 && mayChangeRow(grid_->Row())) {
-        grid_->table().removeRow(grid_->Row());
+        DeleteGridRoll(grid_, grid_->Row());
       }
       return true;
     default: return false;
@@ -226,7 +226,7 @@ void TfTableFilter::miDeleteRowClick()
     return;
   }
   if (grid_->RowCount() > 2) {
-    grid_->table().removeRow(row);
+    DeleteGridRoll(grid_, row);
   } else {
     grid_->table().clearRow(row);
   }
