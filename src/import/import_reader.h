@@ -1,0 +1,49 @@
+// Readers of import files: one document a call, its master line and its detail lines.
+#pragma once
+
+#include <memory>
+
+#include "import/import_selector.h"
+
+namespace kalvor {
+
+class KALVOR_RULES TImportBase {
+ public:
+  // The filter must live longer than the reader.
+  TImportBase(const QString& fileName, const TImportFilter& filter, const ImportServices& services);
+  virtual ~TImportBase();
+  TImportBase(const TImportBase&) = delete;
+  TImportBase& operator=(const TImportBase&) = delete;
+
+  // 0: a document was read (a line without cells stays empty); -1: the end, or an error whose text says why.
+  virtual int ReadRecord(TImportLine& master, TImportSet& details, QString& error);
+  // An estimate for the progress bar. The import run calls it once, before the first record.
+  virtual int GetRecordCount();
+
+  const QString& fileName() const { return fileName_; }
+  bool isEndOfData() const { return endOfData_; }
+  bool isOpened() const { return opened_; }
+  int importAction() const { return importAction_; }  // IMPORT_ACTION
+  int rowCounter() const { return rowCounter_; }      // one above the number of the row read last
+
+ protected:
+  struct DocumentBreak {
+    int position = 0;
+    QString lastValue;
+  };
+  QString fileName_;
+  const TImportFilter& filter_;
+  ImportServices services_;
+  QList<DocumentBreak> breaks_;
+  int importAction_ = 0;
+  int rowCounter_ = 0;
+  bool endOfData_ = false;
+  bool opened_ = false;
+};
+
+// The reader for the file: by its extension .xls and .xlsx TImportXLS, .xml TImportXML, any other TImportTxt. TImportException
+// when a text file cannot be opened.
+KALVOR_RULES std::unique_ptr<TImportBase> createImportReader(const QString& fileName, const TImportFilter& filter,
+                                                             const ImportServices& services);
+
+}  // namespace kalvor
