@@ -118,8 +118,8 @@ Fragment likeCondition(const ResolvedField& field, const Variant& value)
   }
   QString text = withoutQuotes(variantText(value));
   if (!text.contains(u'%') && !text.contains(u'*')) {
-    // What a lookup searches for comes as it was typed: the beginning of a code or a name, or nothing at all.
-    text += u'%';
+    // "Съдържа" sends the text as it was typed.
+    text = text.isEmpty() ? QStringLiteral("%") : u'%' + text + u'%';
   }
   const Fragment like = comparison(asText(field), "LIKE", likePattern(text)) + QStringLiteral(" ESCAPE '!'");
   qsizetype plain = 0;

@@ -147,9 +147,7 @@ void TfBaseEdit::finishSave(const QList<SaveDataSet>& dataSets, const QList<Reco
     restorePositions(positions);
   });
   UpdateActionState();
-  if (changed) {
-    tellOwnerSaved(savedId);
-  }
+  tellOwnerSaved(savedId);
 }
 
 void TfBaseEdit::readMasterAnew(const QString& savedId)

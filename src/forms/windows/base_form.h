@@ -14,6 +14,7 @@
 #include "import/import_line.h"
 #include "registry/form_interfaces.h"
 
+class QAbstractButton;
 class QMenu;
 
 namespace kalvor {
@@ -199,6 +200,9 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void SetSecurityFilter(const FilterArray& filter) override;
   int SetSelectorAction(TField* field) override;
   virtual void DBG_ColEnter(TDBGrid* grid, TField* field);
+  // Opens the menu that is the button's child, its top-left corner at the middle of the button's right edge. A button
+  // without one does nothing. btnCard, btnDocument and btnLine of every form run it when they are clicked.
+  void PopUpButtonClick(QAbstractButton* button);
   virtual QString SpellNumber(bool flag);
 
   // --- Bodies that descendants extend -------------------------------------------------------------------
