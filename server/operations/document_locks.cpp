@@ -18,16 +18,16 @@ QString nameOfUser(CallContext& call, const QString& userId)
 
 bool anyRow(Connection& db, const Fragment& sql) { return !isNull(db.value(sql.sql, sql.values)); }
 
-// A document that the user's rights hide, or another company's, is neither held by him nor does he learn who holds it. A
-// document that is not saved yet is nobody's secret.
+// A document that the user's rights hide, or another company's, is neither held by him nor does he learn who holds it.
+// A document that is not saved yet is nobody's secret.
 void requireVisible(CallContext& call, int formId, const QString& documentId)
 {
   const StoredQuery* query = call.metadata->query(formId, 0);
   const Fragment key = query ? query->keyExpression() : Fragment();
-  const ColumnInfo* column = query && query->base ? query->base->column(query->keyField.section(u'.', -1).trimmed()) : nullptr;
-  if (key.isEmpty() || !column) {
+  if (key.isEmpty() || !query->base) {
     return;
   }
+  const QString keyColumn = query->keyField.section(u'.', -1).trimmed();
   const ParameterArray parameters{{QStringLiteral("User_Id"), call.session.userId},
                                   {QStringLiteral("Comp_Id"), call.session.companyId},
                                   {QStringLiteral("Bg_Id"), call.session.groupId}};
@@ -35,8 +35,9 @@ void requireVisible(CallContext& call, int formId, const QString& documentId)
       {QStringLiteral("1"), {}},
       {key + Fragment{QStringLiteral(" = ?"), {documentId}}, rowSecurity(call.access(), *query, parameters)},
       call.session.companyId, parameters);
-  const Fragment saved{QStringLiteral("SELECT 1 FROM %1 WHERE %2 = ?").arg(quotedName(query->base->name), quotedName(column->name)),
-                       {documentId}};
+  const Fragment saved{
+      QStringLiteral("SELECT 1 FROM %1 WHERE %2 = ?").arg(quotedName(query->base->name), quotedName(keyColumn)),
+      {documentId}};
   if (!anyRow(call.db, visible) && anyRow(call.db, saved)) {
     throw outsideSecurity(formId);
   }
