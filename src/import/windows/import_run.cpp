@@ -8,6 +8,8 @@
 #include "import/windows/import_progress.h"
 #include "session/dm.h"
 #include "session/import_log.h"
+#include "session/remembered_reads.h"
+#include "widgets/db_grid.h"
 
 namespace kalvor {
 
@@ -60,6 +62,15 @@ void ImportRun::run(const QString& fileName)
   }
   {
     const ImportPrompt prompt(attended_, [this](const QString& text) { told(text); });
+    RememberedReadsScope reads(*DM);
+    reads_ = &reads;
+    const auto forget = qScopeGuard([this] { reads_ = nullptr; });
+    if (!form_.isVisible()) {
+      // Nobody looks at the grids: they need not follow.
+      for (TDBGrid* grid : form_.findChildren<TDBGrid*>()) {
+        grid->setDataSet(nullptr);
+      }
+    }
     ImportServices services;
     services.RequestValue = [](int query, const QString& source, const QString& columns, const FilterArray& filter,
                                Variant& value, RowsWanted rows) {
@@ -263,6 +274,7 @@ void ImportRun::keepLines()
 bool ImportRun::save()
 {
   const bool ran = form_.runGuarded(QStringLiteral("TfBase.acSaveExecute"), [this] { form_.acSaveExecute(); });
+  reads_->forgetMisses();
   const bool editing = master_.IsEditing() || (detail_ && detail_->Active() && detail_->IsEditing());
   return ran && !editing && (!edit_ || edit_->lastSaveSucceeded());
 }

@@ -9,6 +9,7 @@ namespace kalvor {
 
 class TfBaseEdit;
 class TfImportProgress;
+class RememberedReadsScope;
 
 // IMPORT_ACTION of an import filter: what becomes of a record, found or not found by its key cells.
 enum ImportAction : int { AlwaysInsert, UpdateOnly, UpdateOrInsert, InsertOnly, LinesOnly };
@@ -62,6 +63,7 @@ class ImportRun {
   TImportLine line_;
   TImportSet lines_;
   int readStatus_ = 0;
+  RememberedReadsScope* reads_ = nullptr;  // while it runs
 };
 
 // What TfBase::PrepareImportCDS answers.
