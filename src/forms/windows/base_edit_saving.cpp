@@ -144,7 +144,9 @@ void TfBaseEdit::finishSave(const QList<SaveDataSet>& dataSets, const QList<Reco
     if (changed && !savedId.isEmpty() && !showOptions().testFlag(so_ImportData)) {
       readMasterAnew(savedId);
     }
-    restorePositions(positions);
+    if (!isImporting()) {
+      restorePositions(positions);
+    }
   });
   UpdateActionState();
   tellOwnerSaved(savedId);

@@ -25,6 +25,7 @@ class TImportFilter;
 struct TFormRights;
 class TDBGrid;
 class SelectorControl;
+class ImportRun;
 
 // What acCopyNew copies of one dataset. An empty field list means the fields that the metadata lets be copied.
 struct TCopyInfo {
@@ -255,6 +256,9 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual QString detailKeyField(int dsIndex) const;
   // A lookup's choice is in the record, all its values; meanwhile isPuttingChoice() was true.
   virtual void choicePut(TClientDataSet* dataSet);
+  // An import has put a document with all its lines into the datasets, and is about to save it: what hangs on the lines
+  // together is brought up to date once. Meanwhile isImporting() is true.
+  virtual void documentPut();
   virtual void CDS_OnStateChange(TClientDataSet* dataSet);
   virtual void CDS_BeforeEdit(TClientDataSet* dataSet);
   virtual void CDS_BeforeInsert(TClientDataSet* dataSet);
@@ -268,6 +272,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
 
  private:
   friend class ControlWiring;
+  friend class ImportRun;
   friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
                          TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
   void bindActions();

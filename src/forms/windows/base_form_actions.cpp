@@ -77,6 +77,9 @@ QAction* TfBase::addNamedAction(const QString& name, const QString& caption, con
 
 void TfBase::UpdateActionState()
 {
+  if (d->importing) {
+    return;  // once, at its end
+  }
   runGuarded(QStringLiteral("TfBase.UpdateActionState"), [this] {
     const TClientDataSet* master = GetCdsMaster();
     const bool open = master && master->Active();

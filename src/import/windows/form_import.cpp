@@ -72,6 +72,7 @@ bool TfBase::ImportData(int formId, const TImportFilter& filter, const QString& 
     const WaitCursorScope wait;
     FormCreate();
     const QuietFigures quiet(*this);
+    const auto actions = qScopeGuard([this] { UpdateActionState(); });
     const QScopedValueRollback<bool> importing(d->importing, true);
     d->formId = formId;
     SetFormRights(formId, false);

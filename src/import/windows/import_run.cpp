@@ -152,15 +152,9 @@ ImportRun::Next ImportRun::readFailed(const QString& error)
 
 ImportRun::Next ImportRun::importDocument()
 {
-  if (!line_.isEmpty() && !putMaster()) {
+  if (!putDocument()) {
     logRecord(RecordSkipped, recordInfo(), false);
     return Next::Document;
-  }
-  if (line_.isEmpty() && reader_->importAction() != LinesOnly) {
-    reloadDocument();
-  }
-  if (detail_ && !lines_.isEmpty()) {
-    putLines();
   }
   if (linesOnly()) {
     keepLines();
@@ -174,6 +168,27 @@ ImportRun::Next ImportRun::importDocument()
   }
   logRecord(RecordHandled, recordInfo(), false);
   return Next::Document;
+}
+
+// Whoever looks at the document sees it whole, not every cell on its way.
+bool ImportRun::putDocument()
+{
+  const ControlsDisabledScope quietMaster(&master_);
+  std::optional<ControlsDisabledScope> quietLines;
+  if (detail_) {
+    quietLines.emplace(detail_);
+  }
+  if (!line_.isEmpty() && !putMaster()) {
+    return false;
+  }
+  if (line_.isEmpty() && reader_->importAction() != LinesOnly) {
+    reloadDocument();
+  }
+  if (detail_ && !lines_.isEmpty()) {
+    putLines();
+  }
+  form_.documentPut();
+  return true;
 }
 
 bool ImportRun::putMaster()
@@ -226,6 +241,9 @@ void ImportRun::putLines()
     if (placeLine(line)) {
       putCells(*detail_, line);
     }
+  }
+  if (detail_->IsEditing()) {
+    detail_->Post();
   }
 }
 

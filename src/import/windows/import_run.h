@@ -34,7 +34,8 @@ class ImportRun {
   Next saveFailed();
   Next ask(int code, const QString& text);
   bool cancelled();
-  bool putMaster();  // false: the record is passed over
+  bool putDocument();  // false: the record is passed over
+  bool putMaster();    // the same
   void putLines();
   bool placeLine(const TImportLine& line);  // false: the line is passed over
   void putCells(TClientDataSet& dataSet, const TImportLine& line);
