@@ -89,8 +89,10 @@ inline QString prepareBenchForm(server::Connection& db)
   const QString id = db.value("SELECT MIN(Id) FROM D_SaleInvoiceHeader WHERE Comp_Id = '1'", {}).toString();
   db.execute("DELETE FROM D_SaleInvoiceLine WHERE Master_Id = ?", {id});
   for (int line = 1; line <= benchLines; ++line) {
-    db.execute("INSERT INTO D_SaleInvoiceLine (Id, Comp_Id, Master_Id, Line_No, Code, Description) VALUES (?, '1', ?, ?, ?, ?)",
-               {QString("BENCH%1").arg(line), id, line, QString("А%1").arg(line), QString("Хартия копирна А4 %1").arg(line)});
+    db.execute("INSERT INTO D_SaleInvoiceLine (Id, Comp_Id, Master_Id, Line_No, Code, Description) "
+               "VALUES (?, '1', ?, ?, ?, ?)",
+               {QString("BENCH%1").arg(line), id, line, QString("А%1").arg(line),
+                QString("Хартия копирна А4 %1").arg(line)});
   }
   return id;
 }

@@ -1,5 +1,5 @@
-// Opening a document of 60 fields and three datasets with rows, from the request until nothing is left to paint, and the
-// memory of 30 such windows; against a plain window with as many line edits and three tables of the toolkit's own.
+// Opening a document of 60 fields and three datasets with rows, from the request until nothing is left to paint, and
+// the memory of 30 such windows; against a plain window with as many line edits and three tables of the toolkit's own.
 // The server is a process of its own.
 #include <QGridLayout>
 #include <QHeaderView>
@@ -93,7 +93,10 @@ void settle()
 }
 
 struct Desktop {
-  explicit Desktop(quint16 port) : session(port) { RegisterFormClass({"TfEdBench", [](QWidget* parent) { return new TfEdBench(parent); }}); }
+  explicit Desktop(quint16 port) : session(port)
+  {
+    RegisterFormClass({"TfEdBench", [](QWidget* parent) { return new TfEdBench(parent); }});
+  }
   QWidget* openForm(const QString& document)
   {
     RequestForm(benchForm, so_Normal, recordFilter("ID", document));
@@ -199,7 +202,8 @@ int measure(const QString& database)
   desktop.closeAll();
   const Times forms = timesOf(desktop, [&] { desktop.openForm(document); });
   const Times plain = timesOf(desktop, [&] { desktop.openPlain(); });
-  std::printf("Form of %d fields and 3 datasets (1 + %d + %d records), %d openings\n", shownFields, benchLines, benchLines, runs);
+  std::printf("Form of %d fields and 3 datasets (1 + %d + %d records), %d openings\n", shownFields, benchLines,
+              benchLines, runs);
   line("request to painted, median", forms.median, "plain window", plain.median);
   line("request to painted, 99 %", forms.nearlyWorst, "plain window, 99 %", plain.nearlyWorst);
   const double formSize = megabytesEach(process.port(), "form", document);

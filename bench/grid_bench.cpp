@@ -97,7 +97,8 @@ void clickTitle(TDBGridEx& grid, int position)
   const QHeaderView* titles = grid.horizontalHeader();
   QWidget* surface = titles->viewport();
   const int section = titles->logicalIndex(titles->visualIndexAt(0) + position);
-  const QPointF at(titles->sectionViewportPosition(section) + titles->sectionSize(section) / 2.0, surface->height() / 2.0);
+  const QPointF at(titles->sectionViewportPosition(section) + titles->sectionSize(section) / 2.0,
+                   surface->height() / 2.0);
   for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
     QMouseEvent event(type, at, surface->mapToGlobal(at), Qt::LeftButton,
                       type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
@@ -202,12 +203,18 @@ int main(int argc, char** argv)
     data.SetIndexFieldNames(field->FieldName());
     data.First();
   });
-  sortedByTitle<qlonglong>(grid, data, "Int2", [](const TField& field, qsizetype row) { return field.ValueAt(row).toLongLong(); });
-  sortedByTitle<double>(grid, data, "Amount1", [](const TField& field, qsizetype row) { return field.ValueAt(row).toDouble(); });
+  sortedByTitle<qlonglong>(grid, data, "Int2", [](const TField& field, qsizetype row) {
+    return field.ValueAt(row).toLongLong();
+  });
+  sortedByTitle<double>(grid, data, "Amount1", [](const TField& field, qsizetype row) {
+    return field.ValueAt(row).toDouble();
+  });
   sortedByTitle<qlonglong>(grid, data, "Day", [](const TField& field, qsizetype row) {
     return field.ValueAt(row).toDate().toJulianDay();
   });
-  sortedByTitle<QString>(grid, data, "Text3", [](const TField& field, qsizetype row) { return field.ValueAt(row).toString(); });
+  sortedByTitle<QString>(grid, data, "Text3", [](const TField& field, qsizetype row) {
+    return field.ValueAt(row).toString();
+  });
   series("next row, sorted", [&] { press(&grid, Qt::Key_Down); });
   series("next page, sorted", [&] { press(&grid, Qt::Key_PageDown); });
   series("last row and back, sorted", [&] {
