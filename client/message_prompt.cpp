@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 
 namespace kalvor {
 
@@ -103,10 +104,18 @@ void MessagePrompt::processMessages()
 
 QString MessagePrompt::chooseFile(const QString& title, const QString& pattern, bool forSaving)
 {
+  return chooseFileIn({}, title, pattern, forSaving);
+}
+
+QString MessagePrompt::chooseFileIn(const QString& folder, const QString& title, const QString& pattern, bool forSaving)
+{
   QWidget* parent = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : QApplication::activeWindow();
-  const QString types = fileTypes(pattern, forSaving);
-  return forSaving ? QFileDialog::getSaveFileName(parent, title, {}, types)
-                   : QFileDialog::getOpenFileName(parent, title, {}, types);
+  QFileDialog dialog(parent, title, folder, fileTypes(pattern, forSaving));
+  dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog.setFileMode(forSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  static const QRegularExpression extension(QStringLiteral("\\(\\*\\.(\\w+)"));
+  dialog.setDefaultSuffix(extension.match(pattern).captured(1));
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 }  // namespace kalvor

@@ -20,8 +20,11 @@ class KALVOR_PLATFORM UserPrompt {
   virtual PromptButton message(PromptKind kind, const QString& text, const QList<PromptButton>& buttons) = 0;
   virtual void setWaitCursor(bool on) = 0;  // nested
   virtual void processMessages() = 0;       // lets the interface breathe
-  // pattern: "Text Files (*.txt)|*.txt|All Files (*.*)|*.*". Empty = none was chosen.
+  // Patterns as "Text Files (*.txt)|*.txt|All Files (*.*)|*.*" or as the toolkit writes them; a name without an extension
+  // gets that of the first one. Empty = none.
   virtual QString chooseFile(const QString& title, const QString& pattern, bool forSaving) = 0;
+  // The same, beginning in a folder.
+  virtual QString chooseFileIn(const QString& folder, const QString& title, const QString& pattern, bool forSaving);
 };
 
 class KALVOR_PLATFORM Clock {

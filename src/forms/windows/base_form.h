@@ -26,6 +26,7 @@ struct TFormRights;
 class TDBGrid;
 class SelectorControl;
 class ImportRun;
+class TfExportOptions;
 
 // What acCopyNew copies of one dataset. An empty field list means the fields that the metadata lets be copied.
 struct TCopyInfo {
@@ -306,6 +307,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void showWindow();
   void acCopyNewExecute();
   void acExportExecute();
+  void exportAs(const TfExportOptions& choice, TClientDataSet* master, TClientDataSet* detail);
   void titleClicked(TDBGrid* grid, TField* field, TitleClick click);
   void pasteRows(TDBGrid* grid);
 };

@@ -157,13 +157,6 @@ void TfBase::becomeCardOf(const FilterArray& record)
   d->callerFilter = callerWithSecurityFilter(record, securityFilter());
 }
 
-void TfBase::acExportExecute()
-{
-  if (!d->rights.ExportRight) {
-    throw FormRefusal(rightsRefusal(_err_ExportNotAllowed, d->formId));
-  }
-}
-
 void TfBase::titleClicked(TDBGrid* grid, TField* field, TitleClick click)
 {
   TClientDataSet* dataSet = grid->dataSet();
