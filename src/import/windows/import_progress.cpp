@@ -115,6 +115,12 @@ void TfImportProgress::UpdateProgressBar()
   pbProgress->setValue(pbProgress->value() + 1);
 }
 
+void TfImportProgress::setProgress(int done)
+{
+  pbProgress->setMaximum(std::max(pbProgress->maximum(), done));
+  pbProgress->setValue(done);
+}
+
 void TfImportProgress::breathe()
 {
   if (lastBreath_.elapsed() < breathMs) {

@@ -28,6 +28,7 @@ class BASE_PACKAGE TfImportProgress : public QDialog {
   // count: how many steps the whole takes (an estimate).
   void InitProgressBar(int count, const QString& file);
   void UpdateProgressBar();
+  void setProgress(int done);
   // Lets the user ask questions of the window: redraws and takes key presses, some twenty times a second however fast
   // the records go by.
   void breathe();
