@@ -35,6 +35,7 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   void InsertRecord() override;
   void EditRecord() override;
   void CopyRecord() override;
+  void ImportCDS() override;
   void SaveDocument() override;
   // Between the server's yes and the discarding of the change logs.
   virtual void OnSaveBeforeGetData();
