@@ -57,6 +57,8 @@ QString cellNumberText(double value, const CellTextFormat& format)
 {
   constexpr double longestPlain = 1e21, smallestPlain = 1e-9;
   const double size = std::abs(value);
+  if (!std::isfinite(value))
+    return {};
   const bool plain = size == 0 || (size >= smallestPlain && size < longestPlain);
   std::array<char, 64> text;
   const auto end = std::to_chars(text.data(), text.data() + text.size(), value == 0 ? 0.0 : value,

@@ -16,7 +16,7 @@ struct CellTextFormat {
   QString datePicture = QStringLiteral("dd.MM.yyyy");
 };
 
-// The shortest text that reads back as the same number, without an exponent below 10^21.
+// The shortest text that reads back as the same number, without an exponent below 10^21; empty when it is not finite.
 KALVOR_PLATFORM QString cellNumberText(double value, const CellTextFormat& format);
 // The year has four digits. A time of 0:00 is left out, and so is a day that is none.
 KALVOR_PLATFORM QString cellDateText(QDate date, QTime time, const CellTextFormat& format);

@@ -195,6 +195,16 @@ class TableReaderTest : public QObject {
                                 "край||||"}));
   }
 
+  // Their shared texts go over the ends of records, in narrow and in wide characters.
+  void longTextsOfABinaryWorkbook()
+  {
+    const TextTable table = readSpreadsheet(QStringLiteral(KALVOR_SOURCE_DIR "/tests/import/data/long_texts.xls"), {});
+    QCOMPARE(table.rowCount(), 12);
+    QCOMPARE(table.text(0, 1), u"31.01.2024");
+    for (int row = 0; row < table.rowCount(); ++row)
+      QCOMPARE(table.text(row, 0).toString(), QString::number(row) + QString(1500 + 100 * row, row % 2 ? u'я' : u'z'));
+  }
+
   void sameDocumentsFromEverySource()
   {
     const TImportFilter filter = testing::importFilter(
