@@ -5,7 +5,7 @@ lines to the cent from every form of the file; what is not found is in the log r
 promises.
 
 Exits 77 (skipped) where the journal is not there."""
-import csv, hashlib, os, shutil, sqlite3, subprocess, sys, tempfile, zipfile
+import collections, hashlib, os, shutil, sqlite3, subprocess, sys, tempfile, time, zipfile
 from xml.sax.saxutils import escape
 
 from client_tour import expect, run, served
@@ -31,8 +31,9 @@ def connected(db):
     return connection
 
 
-def imported(db, item, data, extra="", action=None, key=False):
-    """Runs the transfer of one file; gives the info file's text and the two logs' texts."""
+def imported(db, item, data, extra="", action=None, key=False, kill_after=0):
+    """Runs the transfer of one file; gives the info file's text and the two logs' texts. kill_after: the client is
+    killed when so many documents are there."""
     name = "data" + os.path.splitext(data)[1]
     with connected(db) as connection:
         text, = connection.execute("SELECT DataPort FROM S_DataPort WHERE Id = ?", (item,)).fetchone()
@@ -52,12 +53,16 @@ def imported(db, item, data, extra="", action=None, key=False):
                    "<Error/></Table></Info>")
     documents = tempfile.mkdtemp(dir=work)
     with served(bin_dir, db, os.path.join(work, "server.log")) as address:
-        client = subprocess.run(
+        client = subprocess.Popen(
             [os.path.join(bin_dir, "kalvor"), "--server", address, "-u", "SUPERVSR", "-p", "demo", "-b", "5", "-c", "3",
              "-a", "xmlTransfer", "-f", os.path.basename(transfer)],
-            env=dict(os.environ, QT_QPA_PLATFORM="offscreen", KALVOR_DOCUMENTS=documents), timeout=280,
-            capture_output=True, text=True)
-    expect(f"{item}: the client ends by itself", client.returncode == 0)
+            env=dict(os.environ, QT_QPA_PLATFORM="offscreen", KALVOR_DOCUMENTS=documents), stderr=subprocess.DEVNULL)
+        while kill_after and client.poll() is None and totals(db)[0] < kill_after:
+            time.sleep(0.01)
+        if kill_after:
+            client.kill()
+        code = client.wait(280)
+    expect(f"{item}: the client ends by itself", kill_after or code == 0)
     logs = {"Info_": "", "": ""}
     folder = os.path.join(documents, "Kalvor", "ImportLog")
     for file in os.listdir(folder) if os.path.isdir(folder) else []:
@@ -173,6 +178,17 @@ try:
     db = fresh("missing", rows[1][3])
     _, handled, errors = imported(db, "INVOICES_TEXT", text, FALLBACK)
     expect("an item that does not exist is named in the log", rows[1][3] in errors and f"536365 -> Неуспешна" in handled)
+
+    db = fresh("killed")
+    imported(db, "INVOICES_TEXT", text, FALLBACK, kill_after=10)
+    whole = collections.Counter(r[0] for r in rows[1:])
+    with connected(db) as connection:
+        there = connection.execute("SELECT DocumentNo, (SELECT COUNT(*) FROM D_SaleInvoiceLine WHERE Master_Id = h.Id) "
+                                   "FROM D_SaleInvoiceHeader h WHERE Comp_Id = '3'").fetchall()
+    expect(f"the {len(there)} documents of a killed client are whole",
+           10 <= len(there) < 66 and all(whole[number] == lines for number, lines in there))
+    imported(db, "INVOICES_TEXT", text, FALLBACK)
+    expect("a second run with action 3 completes them", totals(db) == (66, 999, cents))
 finally:
     shutil.rmtree(work, ignore_errors=True)
     shutil.rmtree(transfer, ignore_errors=True)

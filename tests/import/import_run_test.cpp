@@ -8,6 +8,7 @@
 #include "import/windows/import_progress.h"
 #include "import/windows/request_import.h"
 #include "session/import_log.h"
+#include "session/server_calls.h"
 
 using namespace kalvor;
 using namespace kalvor::testing;
@@ -18,9 +19,11 @@ constexpr int contragentCard = 141;
 
 const QString contragentFilter = QStringLiteral(
     "[OPTIONS]TXTFILE_SEP=SEMICOLON##IMPORT_ACTION=%1%2[##OPTIONS]"
-    "[CDSMASTER]1=1|1|Code##2=1|0|Name##3=1|0|CreditLimit##4=2|0|||1|TermsSource;TermsTarget|16400|N_PaymentTerms|"
-    "N_PaymentTerms.Name#=#8#4[##CDSMASTER]"
+    "[CDSMASTER]1=1|1|Code##2=1|0|Name##3=1|0|CreditLimit##90=1|0|N_VATBusPostGroup_Code||BG##91=1|0|N_GenBusPostGroup_Code||DOMESTIC%3[##CDSMASTER]"
     "[LINK_FIELDS_DESCR]TermsSource=Id##TermsTarget=PaymentTerms_Id[##LINK_FIELDS_DESCR]");
+
+const QString termsLookup = QStringLiteral(
+    "##4=2|0|||1|TermsSource;TermsTarget|16400|N_PaymentTerms|N_PaymentTerms.Name#=#8#4");
 
 // What the server holds of the contractors with a code that begins so.
 QStringList storedContragents(const QString& beginning)
@@ -51,10 +54,10 @@ struct Import {
     Q_UNUSED(opened)
     file.write(lines.toUtf8());
   }
-  bool run(int action, bool unattended, const QString& options = {})
+  bool run(int action, bool unattended, const QString& options = {}, const QString& lookups = {})
   {
     TImportFilter filter(contragentCard);
-    filter.LoadImportParams(contragentFilter.arg(action).arg(options));
+    filter.LoadImportParams(contragentFilter.arg(action).arg(options, lookups));
     ImportInitLog();
     const bool ran = RequestImport(contragentCard, filter, path, QString(), QString(), error, so_ImportData, unattended, nullptr);
     ImportCloseLog();
@@ -114,8 +117,9 @@ class ImportRunTest : public QObject {
     clear();
     desk.prompt.answers = {answer, answer, answer};
     // A value that is no number, a lookup that finds nothing, a number again.
-    Import import(QStringLiteral("IMP1;а\r\nIMP2;б;много\r\nIMP3;в;;Няма такива\r\nIMP4;г;x\r\nIMP5;д;12.5\r\n"));
-    QVERIFY(import.run(0, false, QStringLiteral("##DECIMAL_SEPARATOR=.")));
+    Import import(QStringLiteral("IMP1;а;;До 7 дни\r\nIMP2;б;много;До 7 дни\r\nIMP3;в;;Няма такива\r\nIMP4;г;x;До 7 дни\r\n"
+                                 "IMP5;д;12.5;До 7 дни\r\n"));
+    QVERIFY(import.run(0, false, QStringLiteral("##DECIMAL_SEPARATOR=."), termsLookup));
     QCOMPARE(storedContragents(QStringLiteral("IMP")), stored);
     const QStringList asked = desk.prompt.messages.filter(_que_ContinueImport);
     QCOMPARE(asked.size(), questions);

@@ -1,3 +1,4 @@
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 
@@ -12,7 +13,8 @@ using namespace kalvor::testing;
 namespace {
 
 const QString contragentRows = QStringLiteral(
-    "[OPTIONS]TXTFILE_SEP=SEMICOLON##IMPORT_ACTION=0[##OPTIONS][CDSMASTER]1=1|1|Code##2=1|0|Name[##CDSMASTER]");
+    "[OPTIONS]TXTFILE_SEP=SEMICOLON##IMPORT_ACTION=0[##OPTIONS][CDSMASTER]1=1|1|Code##2=1|0|Name##"
+    "90=1|0|N_VATBusPostGroup_Code||BG##91=1|0|N_GenBusPostGroup_Code||DOMESTIC[##CDSMASTER]");
 
 // A folder of data files beside the program; gone with its object.
 class TransferFolder {
