@@ -17,7 +17,7 @@ ExportEnding endingOf(const QString& context, const std::function<bool()>& body)
 void tellEnding(ExportEnding ending)
 {
   if (ending == ExportEnding::Done)
-    userPrompt().message(PromptKind::Confirmation, _inf_OperationSuccess, {PromptButton::Ok});
+    showInformation(_inf_OperationSuccess);
   else if (ending == ExportEnding::Failed)
     showError(_inf_OperationError);
 }
