@@ -40,7 +40,9 @@ def imported(db, item, data, extra="", action=None, key=False, kill_after=0):
         if action is not None:
             text = text.replace("IMPORT_ACTION=3", f"IMPORT_ACTION={action}")
         if key:
-            text = text.replace("4=2|0|", "4=2|1|")
+            # Every cell of a key entry is a key: the item's name is not, the lines have descriptions of their own.
+            text = (text.replace("4=2|0|", "4=2|1|").replace("ItemSource=Type,Name,", "ItemSource=Type,")
+                    .replace("ItemTarget=Type,Description,", "ItemTarget=Type,"))
         connection.execute("UPDATE S_TransferList SET Dataport = ? WHERE Id = ?", (text + extra, item))
     shutil.rmtree(transfer, ignore_errors=True)
     os.makedirs(transfer)
@@ -168,10 +170,11 @@ try:
         imported(db, "INVOICES_TEXT", text, FALLBACK)
         _, handled, _ = imported(db, "INVOICES_TEXT", text, FALLBACK, action, key)
         documents, lines, _ = totals(db)
-        expect(f"imported again with action {action}: {expected}, not {(documents, lines)}", (documents, lines) == expected)
+        print(f"imported again with action {action}: {documents} documents, {lines} lines")
+        expect(f"as the action promises: {expected}", (documents, lines) == expected)
         if action == 3:
             expect("66 are passed over", handled.count("Пропускане на запис ") == 66)
-    shutil.copy(base, db)
+    db = fresh("nothing")
     _, handled, _ = imported(db, "INVOICES_TEXT", text, FALLBACK, 1)
     expect("action 1 into an empty company passes over all", totals(db)[0] == 0 and handled.count("Пропускане") == 66)
 
