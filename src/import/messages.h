@@ -22,6 +22,8 @@ inline const QString _err_SelectorMultiRec =
 inline const QString _err_RecNotFound =
     QStringLiteral("Не са намерени записи отговарящи на посочения критерий.");
 inline const QString _err_ExcelConnection = QStringLiteral("Не може да се установи връзка с MS Excel!");
+inline const QString _err_ConditionValue = QStringLiteral("Некоректна стойност за условие: ");  // the value
+inline const QString _err_LineTooLong = QStringLiteral("Редът е твърде дълъг.");
 inline const QString importRowNumber = QStringLiteral("Ред No: ");    // the number follows
 inline const QString importCondition = QStringLiteral("Филтър: ");    // a lookup's conditions follow
 
