@@ -75,6 +75,9 @@ bool TfBase::ImportData(int formId, const TImportFilter& filter, const QString& 
     const auto actions = qScopeGuard([this] { UpdateActionState(); });
     const QScopedValueRollback<bool> importing(d->importing, true);
     d->formId = formId;
+    if (!options.testFlag(so_DoNotShow)) {
+      d->options = options;  // the caption goes to no window
+    }
     SetFormRights(formId, false);
     const TFormData* description = GetFromDataObject(QString::number(formId), 0);
     SetFormCaption(QStringLiteral("Импорт") + (description ? description->Caption : QString()), QString());

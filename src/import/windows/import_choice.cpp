@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QListWidget>
 #include <QPushButton>
@@ -88,10 +89,15 @@ bool SelectImportFilter(TImportFilter* filter)
 
 QString SelectDataFile()
 {
-  return userPrompt().chooseFile(_que_SelectImportData,
+  static QString lastFolder;  // files of one delivery lie together
+  const QString file = userPrompt().chooseFileIn(lastFolder, _que_SelectImportData,
                                  QStringLiteral("MS Excel Files (*.xls)|*.xls|Text Files (*.txt)|*.txt|"
                                                 "XML Files (*.xml)|*.xml|All Files (*.*)|*.*"),
                                  false);
+  if (!file.isEmpty()) {
+    lastFolder = QFileInfo(file).absolutePath();
+  }
+  return file;
 }
 
 }  // namespace kalvor

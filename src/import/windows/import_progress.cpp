@@ -142,6 +142,14 @@ void TfImportProgress::stopTimer()
   btnCancel->setText(QStringLiteral("Затваряне"));
 }
 
+void TfImportProgress::stayForReading()
+{
+  setAttribute(Qt::WA_DeleteOnClose);
+  hide();
+  setWindowModality(Qt::NonModal);
+  show();
+}
+
 void TfImportProgress::btnCancelClick()
 {
   if (timer_->isActive()) {

@@ -39,6 +39,8 @@ class BASE_PACKAGE TfImportProgress : public QDialog {
   // A line for the list, without a question.
   void AddMessage(const QString& text);
   void stopTimer();  // the elapsed time stays
+  // The run is over: the window stays beside the others until the user closes it, and is gone then.
+  void stayForReading();
 
   bool cancelRequested() const { return cancelRequested_; }
   void clearCancelRequest() { cancelRequested_ = false; }

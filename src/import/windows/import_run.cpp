@@ -1,5 +1,6 @@
 #include "import/windows/import_run.h"
 
+#include <QApplication>
 #include <QFileInfo>
 
 #include "forms/windows/base_edit.h"
@@ -57,7 +58,7 @@ ImportRun::~ImportRun() = default;
 void ImportRun::run(const QString& fileName)
 {
   if (attended_ == ImportAttended::Yes) {
-    progress_ = std::make_unique<TfImportProgress>();
+    progress_ = std::make_unique<TfImportProgress>(ProgressOf::Import, QApplication::activeWindow());
     progress_->show();
   }
   {
@@ -362,6 +363,7 @@ void ImportRun::report()
   } else {
     progress_->show();
     userPrompt().message(PromptKind::Error, _inf_OperationError, {PromptButton::Ok});
+    progress_.release()->stayForReading();
   }
 }
 
