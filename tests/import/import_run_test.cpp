@@ -130,6 +130,28 @@ class ImportRunTest : public QObject {
     QVERIFY(handled.contains(QStringLiteral("Обработка на запис: IMP2 -> Неуспешна")));
   }
 
+  // The user presses the button of the progress window while he is asked about a bad record.
+  void whatWasSavedBeforeTheStopStays()
+  {
+    struct StoppingPrompt : ScriptedPrompt {
+      PromptButton message(PromptKind kind, const QString& text, const QList<PromptButton>& buttons) override
+      {
+        if (text.contains(_que_ContinueImport))
+          TfImportProgress::current()->btnCancelClick();
+        return ScriptedPrompt::message(kind, text, buttons);
+      }
+    };
+    Desk desk;
+    clear();
+    StoppingPrompt prompt;
+    prompt.answers = {PromptButton::Yes, PromptButton::No, PromptButton::Yes, PromptButton::Yes};
+    Import import(QStringLiteral("IMP1;а\r\nIMP2;б;x\r\nIMP3;в\r\nIMP4;г;x\r\nIMP5;д\r\n"));
+    QVERIFY(import.run(0, false));
+    QCOMPARE(storedContragents(QStringLiteral("IMP")), (QStringList{QStringLiteral("IMP1=а"), QStringLiteral("IMP3=в")}));
+    QCOMPARE(prompt.messages.count(_que_CancelImport), 2);
+    QVERIFY(readLog(QStringLiteral("Info_")).contains(QStringLiteral("Операция Прекъсване на импорта на данни -> Успешна")));
+  }
+
   void aGoodRunEndsWell()
   {
     Desk desk;
