@@ -162,6 +162,13 @@ class ImportRunTest : public QObject {
     QVERIFY(!DM->ImportRunning);
   }
 
+  void anEmptyFileIsNoSuccess()
+  {
+    Desk desk;
+    QVERIFY(Import(QStringLiteral(" \r\n")).run(0, false));
+    QCOMPARE(desk.prompt.messages, (QStringList{_err_EndOfFile + QStringLiteral("\r\n") + _que_ContinueImport, _inf_OperationError}));
+  }
+
   void whatCannotBeStartedSaysWhy()
   {
     Desk desk;

@@ -142,13 +142,10 @@ bool ImportRun::cancelled()
 
 ImportRun::Next ImportRun::readFailed(const QString& error)
 {
-  // Blank lines at the end of a file end it, without an error.
-  if (error.isEmpty() && reader_->isEndOfData()) {
-    return Next::End;
-  }
   failed_ = true;
   logRecord(RecordHandled, recordInfo(), true);
-  return attended_ == ImportAttended::No ? Next::End : ask(readError, error);
+  // Without a text nothing is in the file.
+  return attended_ == ImportAttended::No ? Next::End : ask(readError, error.isEmpty() ? _err_EndOfFile : error);
 }
 
 ImportRun::Next ImportRun::importDocument()
