@@ -15,7 +15,7 @@ QString descriptionItem(const QString& description, DescriptionItem item)
   return GetItemAtPos(description, QStringLiteral("|"), item);
 }
 
-ImportCondition readImportCondition(const QString& text, ConditionValues values)
+ImportCondition readCondition(const QString& text, ConditionValues values)
 {
   const QStringList items = text.split(u'#');
   ImportCondition condition;
@@ -68,7 +68,7 @@ ImportLookup importLookup(const QString& description, const TImportFilter& filte
 
   for (const QString& condition : descriptionItem(description, itemConditions).split(u';'))
     if (!condition.trimmed().isEmpty())
-      lookup.conditions.append(readImportCondition(condition, values));
+      lookup.conditions.append(readCondition(condition, values));
   return lookup;
 }
 

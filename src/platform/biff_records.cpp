@@ -2,124 +2,154 @@
 
 #include <QtEndian>
 #include <algorithm>
-#include <bit>
 
-namespace kalvor {
+namespace kalvor::biff {
+
 namespace {
 
-constexpr quint16 continueRecord = 0x003C;
-constexpr qsizetype recordHeaderBytes = 4;
+constexpr qsizetype longestBody = 8224;
+constexpr quint16 sharedTextTable = 0x00FC;
+constexpr quint16 continuation = 0x003C;
+constexpr qsizetype textHeader = 3;
 
-enum TextFlag : quint8 { wideText = 0x01, textWithPhonetics = 0x04, textWithRuns = 0x08 };
+template <class Number>
+void appendNumber(QByteArray& to, Number value)
+{
+  char bytes[sizeof value];
+  qToLittleEndian(value, bytes);
+  to.append(bytes, sizeof value);
+}
+
+void appendCharacters(QByteArray& to, QStringView text, bool wide)
+{
+  for (QChar c : text) {
+    if (wide)
+      appendNumber(to, quint16(c.unicode()));
+    else
+      to.append(char(c.unicode()));
+  }
+}
+
+// A body that goes on in further records. Lengths stay whole, and where a text is broken between two characters its
+// width flag comes again.
+class BrokenBody {
+ public:
+  explicit BrokenBody(quint16 kind) : kind_(kind) {}
+
+  void number(quint32 value) { appendNumber(body_, value); }
+
+  void text(QStringView text)
+  {
+    const bool wide = !isLatin1(text);
+    if (longestBody - body_.size() < textHeader + (text.isEmpty() ? 0 : 2))
+      endRecord();
+    appendNumber(body_, quint16(text.size()));
+    body_.append(wide ? '\1' : '\0');
+    const qsizetype width = wide ? 2 : 1;
+    while (!text.isEmpty()) {
+      const qsizetype fits = std::min(text.size(), (longestBody - body_.size()) / width);
+      appendCharacters(body_, text.first(fits), wide);
+      text = text.sliced(fits);
+      if (!text.isEmpty()) {
+        endRecord();
+        body_.append(wide ? '\1' : '\0');
+      }
+    }
+  }
+
+  QByteArray take()
+  {
+    endRecord();
+    return std::move(stream_);
+  }
+
+ private:
+  void endRecord()
+  {
+    appendNumber(stream_, kind_);
+    appendNumber(stream_, quint16(body_.size()));
+    stream_.append(body_);
+    body_.clear();
+    kind_ = continuation;
+  }
+
+  quint16 kind_;
+  QByteArray body_, stream_;
+};
 
 }  // namespace
 
-bool BiffRecord::hasMore()
+bool isLatin1(QStringView text)
 {
-  while (piece_ < pieces_.size() && offset_ == pieces_[piece_].size()) {
-    ++piece_;
-    offset_ = 0;
-  }
-  return piece_ < pieces_.size();
+  return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() <= 0xFF; });
 }
 
-quint8 BiffRecord::byte()
+Record& Record::u8(quint8 value)
 {
-  if (!hasMore()) {
-    whole_ = false;
-    return 0;
-  }
-  return quint8(pieces_[piece_][offset_++]);
+  appendNumber(body_, value);
+  return *this;
 }
 
-double BiffRecord::real()
+Record& Record::u16(quint16 value)
 {
-  const quint64 low = doubleWord();
-  return std::bit_cast<double>(low | quint64(doubleWord()) << 32);
+  appendNumber(body_, value);
+  return *this;
 }
 
-void BiffRecord::skip(qsizetype bytes)
+Record& Record::u32(quint32 value)
 {
-  while (bytes > 0 && hasMore()) {
-    const qsizetype step = std::min(bytes, pieces_[piece_].size() - offset_);
-    offset_ += step;
-    bytes -= step;
-  }
-  whole_ = whole_ && bytes == 0;
+  appendNumber(body_, value);
+  return *this;
 }
 
-QString BiffRecord::characters(qsizetype count, bool wide)
+Record& Record::real(double value)
 {
-  QString text;
-  while (count > 0) {
-    if (piece_ < pieces_.size() && offset_ == pieces_[piece_].size()) {
-      // A record that continues a text says again how wide its characters are.
-      if (!hasMore())
-        break;
-      wide = byte() & wideText;
-    }
-    if (piece_ >= pieces_.size())
-      break;
-    const QByteArrayView rest = pieces_[piece_].sliced(offset_);
-    const qsizetype width = wide ? 2 : 1;
-    const qsizetype step = std::min(count, rest.size() / width);
-    for (qsizetype i = 0; i < step; ++i)
-      text += wide ? QChar(qFromLittleEndian<quint16>(rest.data() + 2 * i)) : QChar(quint8(rest[i]));
-    offset_ += step * width;
-    count -= step;
-    if (step == 0 && offset_ < pieces_[piece_].size())
-      offset_ = pieces_[piece_].size();  // half a character
-  }
-  whole_ = whole_ && count == 0;
-  return text;
+  appendNumber(body_, value);
+  return *this;
 }
 
-QString BiffRecord::unicodeText(int lengthBytes)
+Record& Record::raw(const QByteArray& bytes)
 {
-  constexpr qsizetype runBytes = 4;
-  const qsizetype count = lengthBytes == 1 ? byte() : word();
-  const quint8 flags = byte();
-  const qsizetype runs = flags & textWithRuns ? word() : 0;
-  const qsizetype phonetics = flags & textWithPhonetics ? doubleWord() : 0;
-  const QString text = characters(count, flags & wideText);
-  skip(runs * runBytes + phonetics);
-  return text;
+  body_.append(bytes);
+  return *this;
 }
 
-QByteArray BiffRecord::bytesText(int lengthBytes)
+void Record::characters(QStringView text)
 {
-  const qsizetype count = lengthBytes == 1 ? byte() : word();
-  QByteArray text;
-  for (qsizetype i = 0; i < count && hasMore(); ++i)
-    text += char(byte());
-  whole_ = whole_ && text.size() == count;
-  return text;
+  const bool wide = !isLatin1(text);
+  u8(wide);
+  appendCharacters(body_, text, wide);
 }
 
-bool BiffStream::header(quint16& type, QByteArrayView& data) const
+Record& Record::text8(QStringView text)
 {
-  if (offset_ < 0 || offset_ > stream_.size() - recordHeaderBytes)
-    return false;
-  type = qFromLittleEndian<quint16>(stream_.data() + offset_);
-  const qsizetype size = qFromLittleEndian<quint16>(stream_.data() + offset_ + 2);
-  if (size > stream_.size() - offset_ - recordHeaderBytes)
-    return false;
-  data = stream_.sliced(offset_ + recordHeaderBytes, size);
-  return true;
+  u8(quint8(text.size()));
+  characters(text);
+  return *this;
 }
 
-bool BiffStream::next(BiffRecord& record)
+Record& Record::text16(QStringView text)
 {
-  record = BiffRecord();
-  quint16 type = 0;
-  QByteArrayView data;
-  if (!header(record.type, data))
-    return false;
-  do {
-    record.addPiece(data);
-    offset_ += recordHeaderBytes + data.size();
-  } while (header(type, data) && type == continueRecord);
-  return true;
+  u16(quint16(text.size()));
+  characters(text);
+  return *this;
 }
 
-}  // namespace kalvor
+void Record::appendTo(QByteArray& stream) const
+{
+  appendNumber(stream, kind_);
+  appendNumber(stream, quint16(body_.size()));
+  stream.append(body_);
+}
+
+QByteArray sharedTexts(const QStringList& texts, quint32 uses)
+{
+  BrokenBody table(sharedTextTable);
+  table.number(uses);
+  table.number(quint32(texts.size()));
+  for (const QString& text : texts)
+    table.text(text);
+  return table.take();
+}
+
+}  // namespace kalvor::biff

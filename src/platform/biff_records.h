@@ -1,53 +1,36 @@
-// Records of a binary workbook's stream ([MS-XLS]): each with the records that continue it.
+// Records of a BIFF8 workbook stream, little-endian, as .xls files hold them.
 #pragma once
 
-#include <QString>
-#include <vector>
+#include <QByteArray>
+#include <QStringList>
 
-#include "platform/text_encoding.h"
+namespace kalvor::biff {
 
-namespace kalvor {
-
-// Goes through the data of one record. What is behind its end reads as 0 and sets atEnd().
-class BiffRecord {
+// Appends fixed-size numbers to a record's body and the record, with its length, to a stream.
+class Record {
  public:
-  quint16 type = 0;
-
-  void addPiece(QByteArrayView bytes) { pieces_.push_back(bytes); }
-  // Nothing was read that is not there.
-  bool isWhole() const { return whole_; }
-  bool hasMore();
-
-  quint8 byte();
-  quint16 word() { const quint16 low = byte(); return quint16(low | byte() << 8); }
-  quint32 doubleWord() { const quint32 low = word(); return low | quint32(word()) << 16; }
-  double real();
-  void skip(qsizetype bytes);
-  // A text with its length (in a byte or a word), flags, and what its flags announce behind it (BIFF8).
-  QString unicodeText(int lengthBytes);
-  // A text of one byte a character (BIFF5).
-  QByteArray bytesText(int lengthBytes);
+  explicit Record(quint16 kind) : kind_(kind) {}
+  Record& u8(quint8 value);
+  Record& u16(quint16 value);
+  Record& u32(quint32 value);
+  Record& real(double value);
+  Record& raw(const QByteArray& bytes);
+  // Characters with their width flag before them; one byte each where all are Latin-1. The length stands in front as
+  // 8 or 16 bits.
+  Record& text8(QStringView text);
+  Record& text16(QStringView text);
+  void appendTo(QByteArray& stream) const;
 
  private:
-  QString characters(qsizetype count, bool wide);
+  void characters(QStringView text);
 
-  std::vector<QByteArrayView> pieces_;
-  size_t piece_ = 0;
-  qsizetype offset_ = 0;
-  bool whole_ = true;
+  quint16 kind_;
+  QByteArray body_;
 };
 
-class BiffStream {
- public:
-  explicit BiffStream(QByteArrayView stream, qsizetype offset = 0) : stream_(stream), offset_(offset) {}
-  // The next record; false at the end of the stream, also where a record is cut off.
-  bool next(BiffRecord& record);
+// The table of the workbook's distinct texts, broken into records where they are full. uses: cells that refer to it.
+QByteArray sharedTexts(const QStringList& texts, quint32 uses);
 
- private:
-  bool header(quint16& type, QByteArrayView& data) const;
+bool isLatin1(QStringView text);
 
-  QByteArrayView stream_;
-  qsizetype offset_;
-};
-
-}  // namespace kalvor
+}  // namespace kalvor::biff

@@ -7,7 +7,7 @@
 #include <bit>
 
 #include "data/data_error.h"
-#include "platform/biff_records.h"
+#include "platform/biff_record_reader.h"
 #include "platform/compound_file_reader.h"
 
 namespace kalvor {
