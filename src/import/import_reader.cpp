@@ -8,6 +8,17 @@
 #include "session/import_log.h"
 
 namespace kalvor {
+namespace {
+
+// The text moves into the cell: a variant that is made of a text would share it first.
+void appendText(TImportLine& line, const ImportField& field, QString&& text)
+{
+  static const QMetaType textType = QMetaType::fromType<QString>();
+  TImportCell& cell = line.emplaceBack(field.target, Variant(textType), field.isKey);
+  *static_cast<QString*>(cell.Value.data()) = std::move(text);
+}
+
+}  // namespace
 
 TImportBase::TImportBase(const QString& fileName, const TImportFilter& filter, const ImportServices& services)
     : fileName_(fileName),
@@ -57,7 +68,7 @@ int TImportBase::fillLine(const QList<ImportField>& fields, int rowNumber, TImpo
     if (text.isEmpty())
       text = field.defaultText;
     if (!text.isEmpty())
-      line.emplaceBack(field.target, Variant(std::move(text)), field.isKey);
+      appendText(line, field, std::move(text));
   }
   if (found)
     return 0;

@@ -74,7 +74,7 @@ void reportLookup(const QString& message, int rowNumber, int query, const Filter
                   const ImportServices& services)
 {
   QString text = message + importTextBreak() + importRowNumber + QString::number(rowNumber - 1) + importTextBreak() +
-                 importCondition;
+                 importConditions;
   for (const FilterRow& row : conditions)
     text += conditionCaption(query, row.field, services) + row.op + conditionText(row.value) + importTextBreak();
   if (services.AddMessage)

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <vector>
 
 #include "common/delimiter.h"
@@ -20,7 +19,8 @@ class TextColumns {
 
   // The separator counts for dtChar only. dtFixedLen cuts by ranges.
   void setDelimiter(TDelimiter kind, const QString& separator, TextEncoding encoding);
-  void setRanges(const QHash<int, Range>& ranges) { ranges_ = ranges; }
+  // By position; one that is not there is empty.
+  void setRanges(std::vector<Range> ranges) { ranges_ = std::move(ranges); }
 
   // The line must stay where it is as long as its columns are asked for.
   void setRow(QByteArrayView row);
@@ -32,11 +32,12 @@ class TextColumns {
   QByteArrayView separated(int position);
   QByteArrayView ranged(int position);
   qsizetype byteOfCharacter(qsizetype character);
+  qsizetype separatorFrom(qsizetype offset) const;
 
   TextEncoding encoding_ = TextEncoding::Windows1251;
   bool fixedWidth_ = false;
   QByteArray separator_;
-  QHash<int, Range> ranges_;
+  std::vector<Range> ranges_;
   QByteArrayView row_;
   std::vector<qsizetype> starts_;  // of the columns found so far; the last may be behind the line's end
   qsizetype knownCharacter_ = 0;   // a character of the line and the byte where it begins

@@ -64,16 +64,25 @@ void TImportTxt::SetDelimiter(TDelimiter kind, const QString& separator)
 
 void TImportTxt::setFixedRanges()
 {
-  constexpr int rangeItem = 3;
-  QHash<int, TextColumns::Range> ranges;
+  constexpr int rangeItem = 3, mostPositions = 100'000;
+  std::vector<TextColumns::Range> ranges;
+  std::vector<bool> known;
   for (const ImportEntries* list : {&filter_.CdsMaster, &filter_.CdsDetail})
     for (int i = 0; i < list->count(); ++i) {
       const int position = list->name(i).trimmed().toInt();
+      if (position < 0 || position >= mostPositions)
+        continue;
+      const auto index = size_t(position);
+      if (index >= ranges.size()) {
+        ranges.resize(index + 1);
+        known.resize(index + 1);
+      }
       const QString range = GetItemAtPos(list->value(i), QStringLiteral("|"), rangeItem);
-      if (!ranges.contains(position))
-        ranges.insert(position, {range.section(u'-', 0, 0).trimmed().toInt(), range.section(u'-', 1, 1).trimmed().toInt()});
+      if (!known[index])
+        ranges[index] = {range.section(u'-', 0, 0).trimmed().toInt(), range.section(u'-', 1, 1).trimmed().toInt()};
+      known[index] = true;
     }
-  columns_.setRanges(ranges);
+  columns_.setRanges(std::move(ranges));
 }
 
 QString TImportTxt::textAt(int position) const { return columns_.text(position); }

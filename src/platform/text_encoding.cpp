@@ -47,6 +47,22 @@ const char* behindAscii(const char* at, const char* end)
   return at;
 }
 
+// Behind the two-byte characters that begin at "at", of which Cyrillic text is made, with the ASCII between them.
+const char* behindShortCharacters(const char* at, const char* end)
+{
+  while (end - at >= 2) {
+    const auto first = static_cast<unsigned char>(at[0]);
+    const auto second = static_cast<unsigned char>(at[1]);
+    if (first < 0x80)
+      ++at;
+    else if (first >= 0xC2 && first <= 0xDF && (second & 0xC0) == 0x80)
+      at += 2;
+    else
+      break;
+  }
+  return at;
+}
+
 // What a first byte promises (RFC 3629): neither overlong forms nor surrogates, nothing above U+10FFFF.
 struct LeadByte {
   int continuations = 0;  // none: it begins no character
@@ -95,8 +111,13 @@ bool Utf8Detector::feed(QByteArrayView bytes)
 {
   const char* at = bytes.begin();
   while (valid_ && at != bytes.end()) {
-    if (expected_ == 0)
-      at = behindAscii(at, bytes.end());
+    if (expected_ == 0) {
+      const char* const characters = behindAscii(at, bytes.end());
+      at = behindShortCharacters(characters, bytes.end());
+      hasOtherThanAscii_ = hasOtherThanAscii_ || at != characters;
+      if (at != characters)
+        continue;
+    }
     if (at == bytes.end())
       break;
     const auto byte = static_cast<unsigned char>(*at++);
