@@ -27,6 +27,8 @@ inline constexpr GlobalAction globalActions[] = {
      &IBaseIntf::InsertRecord},
     {"acDocumentEdit", u"Редакция", "F2", "document-edit", ActionMenu::Record, true, false, &IBaseIntf::EditRecord},
     {"acDeleteRecord", u"Изтриване", "F8", "edit-delete", ActionMenu::Record, true, false, &IBaseIntf::DeleteRecord},
+    {"acExport", u"Експорт", "Ctrl+E", "document-export", ActionMenu::Record, true, true, &IBaseIntf::ExportCDS},
+    {"acImport", u"Импорт", "Ctrl+I", "document-import", ActionMenu::Record, true, false, &IBaseIntf::ImportCDS},
     {"acFirst", u"Първи запис", "Alt+Home", "go-first", ActionMenu::View, true, true, &IBaseIntf::FirstRecord},
     {"acPrev", u"Предишен запис", "Alt+PgUp", "go-previous", ActionMenu::View, true, false, &IBaseIntf::PrevRecord},
     {"acNext", u"Следващ запис", "Alt+PgDown", "go-next", ActionMenu::View, true, false, &IBaseIntf::NextRecord},

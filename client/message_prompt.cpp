@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 
 namespace kalvor {
 
@@ -31,6 +32,7 @@ constexpr ButtonRow buttonRows[] = {
     {PromptButton::Ok, QMessageBox::Ok, u"Ok"},
     {PromptButton::Yes, QMessageBox::Yes, u"&Да"},
     {PromptButton::No, QMessageBox::No, u"&Не"},
+    {PromptButton::YesToAll, QMessageBox::YesToAll, u"Да за &всички"},
     {PromptButton::Cancel, QMessageBox::Cancel, u"&Отказ"},
 };
 
@@ -39,6 +41,22 @@ QString plainLineBreaks(QString text)
 {
   return text.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(QLatin1String("\n\r"), QLatin1String("\n"))
       .remove(u'\r');
+}
+
+// "Text Files (*.txt)|*.txt|All Files (*.*)|*.*" as the toolkit writes it. Whoever opens a spreadsheet may have either
+// kind of it.
+QString fileTypes(const QString& pattern, bool forSaving)
+{
+  const QStringList parts = pattern.split(u'|');
+  QStringList types;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QString masks = QString(parts[i + 1]).replace(u';', u' ');
+    if (!forSaving && masks == u"*.xls") {
+      masks += QStringLiteral(" *.xlsx");
+    }
+    types.append(parts[i].section(u'(', 0, 0).trimmed() + QStringLiteral(" (") + masks.replace(QStringLiteral("*.*"), QStringLiteral("*")) + u')');
+  }
+  return parts.size() < 2 ? pattern : types.join(QStringLiteral(";;"));
 }
 
 }  // namespace
@@ -86,9 +104,18 @@ void MessagePrompt::processMessages()
 
 QString MessagePrompt::chooseFile(const QString& title, const QString& pattern, bool forSaving)
 {
-  QWidget* parent = QApplication::activeWindow();
-  return forSaving ? QFileDialog::getSaveFileName(parent, title, {}, pattern)
-                   : QFileDialog::getOpenFileName(parent, title, {}, pattern);
+  return chooseFileIn({}, title, pattern, forSaving);
+}
+
+QString MessagePrompt::chooseFileIn(const QString& folder, const QString& title, const QString& pattern, bool forSaving)
+{
+  QWidget* parent = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : QApplication::activeWindow();
+  QFileDialog dialog(parent, title, folder, fileTypes(pattern, forSaving));
+  dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog.setFileMode(forSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  static const QRegularExpression extension(QStringLiteral("\\(\\*\\.(\\w+)"));
+  dialog.setDefaultSuffix(extension.match(pattern).captured(1));
+  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 }  // namespace kalvor

@@ -11,6 +11,7 @@ class MessagePrompt : public UserPrompt {
   void setWaitCursor(bool on) override;
   void processMessages() override;
   QString chooseFile(const QString& title, const QString& pattern, bool forSaving) override;
+  QString chooseFileIn(const QString& folder, const QString& title, const QString& pattern, bool forSaving) override;
 };
 
 }  // namespace kalvor

@@ -3,6 +3,7 @@
 #include "client_host.h"
 #include "main_window.h"
 #include "message_prompt.h"
+#include "import/windows/xml_transfer.h"
 #include "registry/windows/form_registry.h"
 #include "session/dm.h"
 #include "session/error_log.h"
@@ -97,6 +98,7 @@ int runClient(QApplication& application, const ClientArguments& arguments)
         QObject::connect(&window, &MainWindow::closed, &application, [] { QCoreApplication::quit(); });
         code = QApplication::exec();
       } else {
+        session.XmlTransfer = importXmlTransfer;
         code = session.ProccessAplicationParams();
       }
       session.UserLogOff();

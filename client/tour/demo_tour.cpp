@@ -31,6 +31,7 @@ void addDemoTour(TourDriver& driver)
   driver.picture("contractors");
   applyTableFilter(driver);
   sortAndSearch(driver);
+  exportContractors(driver);
   driver.step("open the contractor", formIs("TfBrContragent"), [&driver] { driver.key(Qt::Key_Return, Qt::ControlModifier); });
   driver.step("contractor", formIs("TfEdContragent"), [] {});
   driver.picture("contractor");

@@ -1,4 +1,4 @@
-// The client driven by key events: kalvor-tour [--retail | --invoice | --new-invoice | --log-in] DIR
+// The client driven by key events: kalvor-tour [--retail | --invoice | --new-invoice | --import | --log-in] DIR
 // [--server HOST:PORT]. With --log-in it ends when the log-in window is painted.
 #include <QApplication>
 #include <cstdio>
@@ -11,13 +11,15 @@ int main(int argc, char** argv)
   kalvor::ClientArguments arguments = kalvor::clientArguments(argc, argv);
   const std::pair<const char*, void (*)(kalvor::TourDriver&)> others[] = {
       {"--retail", kalvor::addRetailTour}, {"--invoice", kalvor::addInvoiceTour},
-      {"--new-invoice", kalvor::addNewInvoiceTour}, {"--log-in", kalvor::addLogInTour}};
+      {"--new-invoice", kalvor::addNewInvoiceTour}, {"--import", kalvor::addImportTour},
+      {"--log-in", kalvor::addLogInTour}};
   auto tour = kalvor::addDemoTour;
   for (const auto& [option, steps] : others)
     if (arguments.rest.removeAll(QLatin1String(option)) > 0)
       tour = steps;
   if (arguments.rest.size() != 1) {
-    std::fprintf(stderr, "usage: kalvor-tour [--retail | --invoice | --new-invoice | --log-in] DIR [--server HOST:PORT]\n");
+    std::fprintf(stderr, "usage: kalvor-tour [--retail | --invoice | --new-invoice | --import | --log-in] DIR "
+                         "[--server HOST:PORT]\n");
     return 2;
   }
   QApplication application(argc, argv);

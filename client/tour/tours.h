@@ -21,4 +21,8 @@ void addInvoiceTour(TourDriver& driver);
 // From log-in to a saved new invoice of five lines, three of whose items are found by a part of their names.
 void addNewInvoiceTour(TourDriver& driver);
 
+// The journal.txt of the current folder imported into the company that is logged in to, from the empty list: filter, file,
+// the question about the first record that fails, the end. Expects items and customers, and no invoices.
+void addImportTour(TourDriver& driver);
+
 }  // namespace kalvor

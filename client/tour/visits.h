@@ -15,6 +15,9 @@ void visitCalendar(TourDriver& driver);
 // Lookups while typing and rows from a spreadsheet, in the invoice in front.
 void typeAheadAndPaste(TourDriver& driver);
 
+// The contractors out to a sheet and to a text file.
+void exportContractors(TourDriver& driver);
+
 // Filter, sort and search.
 void composeTableFilter(TourDriver& driver);
 void chooseInTableFilter(TourDriver& driver);

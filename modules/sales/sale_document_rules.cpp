@@ -37,7 +37,7 @@ double numberIn(const TClientDataSet* dataSet, QStringView name) { return dataSe
 }  // namespace
 
 SaleDocumentRules::SaleDocumentRules(TfBase& form, TClientDataSet* header, TClientDataSet* lines)
-    : rules_(form), header_(header), lines_(lines), totals_(LocalData.PrecisionAmount)
+    : form_(form), rules_(form), header_(header), lines_(lines), totals_(LocalData.PrecisionAmount)
 {
   setDataSet(lines_);
 }
@@ -137,7 +137,9 @@ void SaleDocumentRules::attachLines()
       if (previous) {
         previous(changed);
       }
-      updateTotals();
+      if (!form_.isImporting()) {
+        updateTotals();
+      }
     };
   }
   for (DataSetEvent* event : {&lines_->AfterPost, &lines_->AfterDelete}) {
@@ -145,8 +147,9 @@ void SaleDocumentRules::attachLines()
       if (previous) {
         previous(dataSet);
       }
-      updateTotals();
-      writeTotals();
+      if (!form_.isImporting()) {
+        refreshTotals();
+      }
     };
   }
 }
@@ -329,6 +332,12 @@ void SaleDocumentRules::updateTotals()
   if (totalsChanged) {
     totalsChanged();
   }
+}
+
+void SaleDocumentRules::refreshTotals()
+{
+  updateTotals();
+  writeTotals();
 }
 
 void SaleDocumentRules::writeTotals()

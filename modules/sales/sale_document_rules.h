@@ -17,9 +17,11 @@ class SaleDocumentRules : private DataLink {
   // The document's VAT by group, as its lines stand; a group's text is its code and its percent.
   const TVATTotals& totals() const { return totals_; }
   std::function<void()> totalsChanged;
-  void updateTotals();
+  // The document's amounts anew from its lines, in the header too.
+  void refreshTotals();
 
  private:
+  void updateTotals();
   using Walk = std::function<void()>;
   void onLines(const Walk& walk);
   using LineRule = void (*)(TClientDataSet*, TClientDataSet*, bool&);
@@ -45,6 +47,7 @@ class SaleDocumentRules : private DataLink {
   Walk onLine(LineRule rule);
   void dataEvent(DataEvent event, TField* field) override;
 
+  TfBase& form_;
   FieldRules rules_;
   TClientDataSet* header_;
   TClientDataSet* lines_;

@@ -39,6 +39,11 @@ void TfEdSaleInvoice::choicePut(TClientDataSet* dataSet)
   rules_.choicePut(dataSet);
 }
 
+void TfEdSaleInvoice::documentPut()
+{
+  rules_.refreshTotals();
+}
+
 // A new line comes after the last one, whatever order the lines are shown in.
 void TfEdSaleInvoice::CDS_OnNewRecord(TClientDataSet* dataSet)
 {

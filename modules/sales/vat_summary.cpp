@@ -44,7 +44,8 @@ QTableWidgetItem* cell(const QString& text, bool amount, bool bold)
 
 }  // namespace
 
-VatSummary::VatSummary(QWidget* parent) : QWidget(parent), table_(new QTableWidget(this))
+VatSummary::VatSummary(QWidget* parent)
+    : QWidget(parent), totals_(LocalData.PrecisionAmount), table_(new QTableWidget(this))
 {
   setObjectName(QStringLiteral("vatSummary"));
   table_->setAccessibleName(QStringLiteral("ДДС по групи"));
@@ -72,6 +73,23 @@ VatSummary::VatSummary(QWidget* parent) : QWidget(parent), table_(new QTableWidg
 
 void VatSummary::setTotals(const TVATTotals& totals, const QString& currency)
 {
+  totals_ = totals;
+  currency_ = currency;
+  if (isVisible()) {
+    fillTable();
+  }
+}
+
+void VatSummary::showEvent(QShowEvent* event)
+{
+  fillTable();
+  QWidget::showEvent(event);
+}
+
+void VatSummary::fillTable()
+{
+  const TVATTotals& totals = totals_;
+  const QString& currency = currency_;
   QStringList titles{QStringLiteral("ДДС група")};
   for (int i = 0; i < int(std::size(columns)); ++i) {
     const QString unit = columns[i].local ? LocalData.Currency_LCY : currency;

@@ -16,7 +16,14 @@ class VatSummary : public QWidget {
   // One row a group and one for the document; local currency columns only where they differ from the document's.
   void setTotals(const TVATTotals& totals, const QString& currency);
 
+ protected:
+  void showEvent(QShowEvent* event) override;
+
  private:
+  void fillTable();
+
+  TVATTotals totals_;
+  QString currency_;
   QTableWidget* table_;
 };
 

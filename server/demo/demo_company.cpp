@@ -54,6 +54,7 @@ void createDemoCompany(Connection& connection, const DemoOptions& options)
   Transaction transaction(connection);
   loadMetadata(connection, embeddedMetadata(), ExistingRows::Keep);
   createCurrencies(connection);
+  createDemoImports(connection);
   DemoScope main{connection, options, QStringLiteral("1"), QStringLiteral("„Демо Търговия“ ООД"),
                  DemoRandom(options.seed), options.contragents, options.items, options.invoices, {}, {}, {}, {}};
   createOneCompany(main, hash);

@@ -59,6 +59,7 @@ void createDemoItems(DemoScope& scope);
 void createDemoAgreements(DemoScope& scope);
 void createDemoInvoices(DemoScope& scope);
 void createDemoEntries(DemoScope& scope);
+void createDemoImports(Connection& connection);
 
 constexpr QDate euroDay() { return QDate::fromJulianDay(2461042); }  // 2026-01-01
 constexpr double levaForEuro = 1.95583;

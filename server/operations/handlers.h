@@ -46,6 +46,10 @@ Variant callGetCurrencyRate(CallContext& call);
 // checks.cpp
 Variant callCheckSaleContragentParams(CallContext& call);
 Variant callCheckItemUnitCost(CallContext& call);
+// imports.cpp
+Variant callDisableFlowFields(CallContext& call);
+Variant callEnableFlowFields(CallContext& call);
+Variant callSetTransferImportResult(CallContext& call);
 // transactions.cpp
 Variant callTrStart(CallContext& call);
 Variant callTrCommit(CallContext& call);

@@ -58,6 +58,10 @@ const Operation table[] = {
     {"CheckSaleContragentParams", RunsOn::Reader, CallRight::ReadTable, {text, any, varWhole},
      callCheckSaleContragentParams},
     {"CheckItemUnitCost", RunsOn::Reader, CallRight::ReadTable, {text, whole}, callCheckItemUnitCost},
+    // Imports.
+    {"DisableFlowFields", RunsOn::Reader, CallRight::OwnData, {varText}, callDisableFlowFields},
+    {"EnableFlowFields", RunsOn::Reader, CallRight::OwnData, {varText}, callEnableFlowFields},
+    {"SetTransferImportResult", RunsOn::Writer, CallRight::LoggedIn, {varText}, callSetTransferImportResult},
     // Documents.
     {"CheckOutDocument", RunsOn::Reader, CallRight::WriteForm, {text, whole, out}, callCheckOutDocument},
     {"CheckInDocument", RunsOn::Reader, CallRight::OwnData, {text}, callCheckInDocument},

@@ -51,6 +51,19 @@ Fragment asText(const ResolvedField& field)
   return text ? field.expression : QStringLiteral("CAST(") + field.expression + QStringLiteral(" AS TEXT)");
 }
 
+// Blanks at the end of a text do not count in comparisons (SQL's PAD SPACE): files of fixed columns bring them along.
+Variant withoutPadding(const Variant& value)
+{
+  QString text = value.typeId() == QMetaType::QString ? value.toString() : QString();
+  if (!text.endsWith(u' ')) {
+    return value;
+  }
+  while (text.endsWith(u' ')) {
+    text.chop(1);
+  }
+  return text;
+}
+
 Fragment compareCondition(const ResolvedField& field, const char* op, const Variant& value)
 {
   if (isNull(value)) {
@@ -67,7 +80,7 @@ Fragment compareCondition(const ResolvedField& field, const char* op, const Vari
   if (field.type != DataType::Date && isDateType(field.type) && converted->typeId() == QMetaType::QDate) {
     return dayComparison(field, op, converted->toDate());
   }
-  return comparison(field.type == DataType::Unknown ? asText(field) : field.expression, op, *converted);
+  return comparison(field.type == DataType::Unknown ? asText(field) : field.expression, op, withoutPadding(*converted));
 }
 
 // The smallest text above every text that begins with the prefix; empty when it has no simple form.
@@ -105,8 +118,8 @@ Fragment likeCondition(const ResolvedField& field, const Variant& value)
   }
   QString text = withoutQuotes(variantText(value));
   if (!text.contains(u'%') && !text.contains(u'*')) {
-    // What a lookup searches for comes as it was typed: the beginning of a code or a name, or nothing at all.
-    text += u'%';
+    // "Съдържа" sends the text as it was typed.
+    text = text.isEmpty() ? QStringLiteral("%") : u'%' + text + u'%';
   }
   const Fragment like = comparison(asText(field), "LIKE", likePattern(text)) + QStringLiteral(" ESCAPE '!'");
   qsizetype plain = 0;

@@ -130,6 +130,8 @@ class KALVOR_DATA TClientDataSet : public QObject {
   bool GotoBookmark(Bookmark bookmark);      // false: that record is not in the view
   qsizetype RowOfBookmark(Bookmark bookmark) const;  // from 0; -1 when not in the view
   Bookmark BookmarkOfRow(qsizetype row) const;
+  // Where Records() holds the record that the view shows there; -1 outside the view and while it is being inserted.
+  qsizetype StoredRow(qsizetype row) const;
   // Over the view; what is not among the fetched records makes it fetch the rest. Case matters unless an option says
   // otherwise; null finds null. False: nothing moved. DataError when fields and values do not agree in number.
   bool Locate(const QString& fieldNames, const Variant& values, LocateOptions options = {});

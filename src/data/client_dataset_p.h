@@ -8,6 +8,7 @@
 #include "data/aggregate.h"
 #include "data/change_log.h"
 #include "data/client_dataset.h"
+#include "data/field_names.h"
 #include "data/filter_program.h"
 #include "data/record_ref.h"
 #include "data/row_order.h"
@@ -42,7 +43,12 @@ struct TClientDataSet::Private {
 
   // --- Fields (dataset_fields.cpp) ----------------------------------------------------------------------
   std::vector<std::unique_ptr<TField>> fields;
-  QHash<QString, TField*> fieldsByName;
+  FieldNames fieldsByName;
+  TField* fieldNamed(QStringView name) const
+  {
+    const auto found = fieldsByName.find(name);
+    return found == fieldsByName.end() ? nullptr : found->second;
+  }
   int dataColumns = 0;           // of the storage; the internally calculated columns follow
   void bindFields(const QList<FieldDef>& definitions);
   TField* addField(const FieldDef& definition, FieldValueKind kind);

@@ -212,6 +212,14 @@ qsizetype TClientDataSet::RowOfBookmark(Bookmark bookmark) const
   return row == noRow ? -1 : d->positionOf(row);
 }
 
+qsizetype TClientDataSet::StoredRow(qsizetype row) const
+{
+  if (row < 0 || row >= RecordCount())
+    return -1;
+  const RowId stored = d->view[size_t(row)];
+  return stored == noRow ? -1 : qsizetype(stored);
+}
+
 Bookmark TClientDataSet::BookmarkOfRow(qsizetype row) const
 {
   return row < 0 || row >= RecordCount() ? noBookmark : d->bookmarkOf(d->view[size_t(row)]);

@@ -13,18 +13,17 @@ QString requiredFieldMessage(const QString& displayLabel)
 
 TField* TClientDataSet::Private::addField(const FieldDef& definition, FieldValueKind kind)
 {
-  const QString key = definition.name.toCaseFolded();
-  if (fieldsByName.contains(key))
+  if (fieldNamed(definition.name))
     throw DataError(dataMessage(errFieldExists).arg(definition.name));
   fields.push_back(std::make_unique<TField>(q, definition, kind));
   TField* field = fields.back().get();
-  fieldsByName.insert(key, field);
+  fieldsByName.emplace(definition.name, field);
   return field;
 }
 
 void TClientDataSet::Private::removeField(TField* field)
 {
-  fieldsByName.remove(field->FieldName().toCaseFolded());
+  fieldsByName.erase(field->FieldName());
   calculatedColumns.remove(field);
   std::erase_if(fields, [field](const auto& owned) { return owned.get() == field; });
 }
@@ -47,7 +46,7 @@ void TClientDataSet::Private::bindFields(const QList<FieldDef>& definitions)
     const FieldDef& definition = definitions[i];
     if (columns.value(definition.name.toCaseFolded()) != i)
       continue;
-    TField* field = fieldsByName.value(definition.name.toCaseFolded());
+    TField* field = fieldNamed(definition.name);
     if (!field) {
       field = addField(definition, FieldValueKind::Data);
       field->InKey = keys.contains(definition.name, Qt::CaseInsensitive);
@@ -87,7 +86,7 @@ TField* TClientDataSet::Field(int index) const
 
 TField* TClientDataSet::FindField(QStringView name) const
 {
-  return d->fieldsByName.value(name.toString().toCaseFolded());
+  return d->fieldNamed(name);
 }
 
 TField* TClientDataSet::FieldByName(QStringView name) const

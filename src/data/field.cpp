@@ -267,6 +267,11 @@ QString TField::DisplayTextAt(qsizetype row) const
   return DisplayText();
 }
 
+QString TField::AsStringAt(qsizetype row) const
+{
+  return userText(type_, ValueAt(row));
+}
+
 void TField::SetEditText(const QString& text)
 {
   if (OnSetText) {

@@ -60,6 +60,7 @@ class KALVOR_DATA TField {
   // OnGetText too, with the dataset positioned on that row for the time of the call.
   Variant ValueAt(qsizetype row) const;
   QString DisplayTextAt(qsizetype row) const;
+  QString AsStringAt(qsizetype row) const;
   // "decimal comma, blank thousands, dd.MM.yyyy" unless DisplayFormat says otherwise; null = "".
   QString FormatValue(const Variant& value) const;
 

@@ -9,7 +9,8 @@
 
 namespace kalvor {
 
-// Entries "name=value" in the order of the stored text. A name is found without regard to case.
+// Entries "name=value" in the order of the stored text. A name is found without regard to case, the first of several
+// equal ones.
 class KALVOR_RULES ImportEntries {
  public:
   void append(const QString& entry) { entries_.append(entry); }
@@ -20,10 +21,12 @@ class KALVOR_RULES ImportEntries {
   QString value(int index) const;
   // Empty when no entry has the name.
   QString value(const QString& name) const;
-  bool contains(const QString& name) const;
+  bool contains(const QString& name) const { return find(name) >= 0; }
   const QStringList& entries() const { return entries_; }
 
  private:
+  int find(const QString& name) const;
+
   QStringList entries_;
 };
 
@@ -45,7 +48,8 @@ class KALVOR_RULES TImportFilter {
   QString DPSchema;               // XSLT document of an XML source
 };
 
-// The text between "[NAME]" and "[##NAME]", each line end a blank; empty without one of the two tags.
+// The text between "[NAME]" and "[##NAME]", each carriage return with its line feed a blank; empty without one of the
+// two tags.
 KALVOR_RULES QString GetRefFieldsDescr(const QString& text, const QString& section);
 // Appends the trimmed, non-empty entries of a section's content.
 KALVOR_RULES void GetFldsDescrAsStrList(const QString& content, ImportEntries& list);

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "import/import_selector.h"
+#include "import/import_fields.h"
 
 namespace kalvor {
 
@@ -15,7 +15,8 @@ class KALVOR_RULES TImportBase {
   TImportBase(const TImportBase&) = delete;
   TImportBase& operator=(const TImportBase&) = delete;
 
-  // 0: a document was read (a line without cells stays empty); -1: the end, or an error whose text says why.
+  // 0: a document was read (a line without cells stays empty); -1: the end, or an error whose text says why. The lines
+  // are filled anew; at the end they are left alone.
   virtual int ReadRecord(TImportLine& master, TImportSet& details, QString& error);
   // An estimate for the progress bar. The import run calls it once, before the first record.
   virtual int GetRecordCount();
@@ -29,20 +30,37 @@ class KALVOR_RULES TImportBase {
  protected:
   struct DocumentBreak {
     int position = 0;
-    QString lastValue;
+    QByteArray lastValue;  // in the reader's own encoding
   };
+
+  // The text of a column of the current row; empty where the row has none.
+  virtual QString textAt(int position) const;
+  // Appends the cells of the current row. -1: a lookup failed. With SKIP_INVALID_ROWS the line then stays as it was, 0.
+  int fillLine(const QList<ImportField>& fields, int rowNumber, TImportLine& line);
+  // The fields of the list; read once for the two lists of the filter.
+  QList<ImportField> fieldsOf(const ImportEntries& entries) const;
+  // -1, with the message in the import error log and, behind the row's number, in the error text.
+  int failRecord(const QString& message, int rowNumber, const QString& routine, QString& error) const;
+
   QString fileName_;
   const TImportFilter& filter_;
   ImportServices services_;
   QList<DocumentBreak> breaks_;
+  QList<ImportField> masterFields_;
+  QList<ImportField> detailFields_;
   int importAction_ = 0;
   int rowCounter_ = 0;
   bool endOfData_ = false;
   bool opened_ = false;
+
+ private:
+  bool fillLookup(const ImportLookup& lookup, int rowNumber, TImportLine& line);
+
+  QList<ImportLookup> fallbacks_;
 };
 
-// The reader for the file: by its extension .xls and .xlsx TImportXLS, .xml TImportXML, any other TImportTxt. TImportException
-// when a text file cannot be opened.
+// The reader for the file: by its extension .xls and .xlsx TImportXLS, .xml TImportXML, any other TImportTxt.
+// TImportException when a text file cannot be opened.
 KALVOR_RULES std::unique_ptr<TImportBase> createImportReader(const QString& fileName, const TImportFilter& filter,
                                                              const ImportServices& services);
 

@@ -28,6 +28,7 @@ KALVOR_RULES bool ExecImportSelector(const QString& description, const TImportFi
 
 // Adds the conditions of "field|operator|type|value|conjunction##..." to those that are there. The types are the
 // variant type codes listed in docs/file-formats.md. DataError for a value that is not of its type.
-KALVOR_RULES void AddAdvFilter(FilterArray& filter, const QString& conditions);
+// Numbers and dates are read as the settings have them, else with a decimal point and as people write dates.
+KALVOR_RULES void AddAdvFilter(FilterArray& filter, const QString& conditions, const TFormatSettings& settings = {});
 
 }  // namespace kalvor

@@ -22,8 +22,10 @@ inline const QString _err_SelectorMultiRec =
 inline const QString _err_RecNotFound =
     QStringLiteral("Не са намерени записи отговарящи на посочения критерий.");
 inline const QString _err_ExcelConnection = QStringLiteral("Не може да се установи връзка с MS Excel!");
+inline const QString _err_ConditionValue = QStringLiteral("Некоректна стойност за условие: ");  // the value
+inline const QString _err_LineTooLong = QStringLiteral("Редът е твърде дълъг.");
 inline const QString importRowNumber = QStringLiteral("Ред No: ");    // the number follows
-inline const QString importCondition = QStringLiteral("Филтър: ");    // a lookup's conditions follow
+inline const QString importConditions = QStringLiteral("Филтър: ");    // a lookup's conditions follow
 
 // --- The run ----------------------------------------------------------------------------------------------
 inline const QString _que_CancelImport = QStringLiteral("Прекъсване на обработката?");

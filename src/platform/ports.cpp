@@ -4,6 +4,12 @@
 #include <cstdio>
 
 namespace kalvor {
+
+QString UserPrompt::chooseFileIn(const QString&, const QString& title, const QString& pattern, bool forSaving)
+{
+  return chooseFile(title, pattern, forSaving);
+}
+
 namespace {
 
 class StandardErrorPrompt : public UserPrompt {

@@ -11,7 +11,7 @@
 namespace kalvor {
 
 enum class PromptKind : quint8 { Plain, Information, Confirmation, Warning, Error };
-enum class PromptButton : quint8 { Ok, Yes, No, Cancel };
+enum class PromptButton : quint8 { Ok, Yes, No, Cancel, YesToAll };
 
 class KALVOR_PLATFORM UserPrompt {
  public:
@@ -20,7 +20,11 @@ class KALVOR_PLATFORM UserPrompt {
   virtual PromptButton message(PromptKind kind, const QString& text, const QList<PromptButton>& buttons) = 0;
   virtual void setWaitCursor(bool on) = 0;  // nested
   virtual void processMessages() = 0;       // lets the interface breathe
-  virtual QString chooseFile(const QString& title, const QString& pattern, bool forSaving) = 0;  // empty = none
+  // Patterns as "Text Files (*.txt)|*.txt|All Files (*.*)|*.*" or as the toolkit writes them; a name without an extension
+  // gets that of the first one. Empty = none.
+  virtual QString chooseFile(const QString& title, const QString& pattern, bool forSaving) = 0;
+  // The same, beginning in a folder.
+  virtual QString chooseFileIn(const QString& folder, const QString& title, const QString& pattern, bool forSaving);
 };
 
 class KALVOR_PLATFORM Clock {

@@ -57,12 +57,13 @@ QList<LookupAttempt> lookupAttempts(const LookupQuestion& question, const QStrin
     if (!attempts.contains(attempt))
       attempts.append(attempt);
   };
-  const QString anywhere = u'%' + question.text + u'%';
+  const QString beginning = question.text + u'%';
+  const QString anywhere = u'%' + beginning;
   if (!question.typedRows.isEmpty())
-    add(QString(), question.text);
+    add(QString(), beginning);
   for (const QString& field : {codeField, nameField})
     if (!field.isEmpty())
-      add(field, question.text);
+      add(field, beginning);
   if (!nameField.isEmpty() || !question.typedRows.isEmpty())
     add(nameField, anywhere);
   return attempts;

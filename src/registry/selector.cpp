@@ -31,6 +31,28 @@ class SearchedControl : public SelectorControl {
   QString text_;
 };
 
+// Rows of an item's filter that compare with what stands in the control.
+QList<int> rowsOnTypedText(const TSelectorItem& item)
+{
+  QList<int> rows;
+  const FilterArray written = BuildFilterFromStr(item.Filter);
+  for (int row = 0; row < written.size(); ++row)
+    if (variantText(written[row].value).contains(typedTextMacro))
+      rows.append(row);
+  return rows;
+}
+
+// Leaving a field takes the only record silently: one that merely holds the text somewhere would be a surprise.
+void lookForBeginnings(FilterArray& filter, const QList<int>& rows)
+{
+  for (const int row : rows) {
+    const QString text = variantText(filter[row].value);
+    const bool like = filter[row].op.trimmed().compare(QLatin1String("LIKE"), Qt::CaseInsensitive) == 0;
+    if (like && !text.isEmpty() && !text.contains(u'%') && !text.contains(u'*'))
+      filter[row].value = text + u'%';
+  }
+}
+
 }  // namespace
 
 SelectorControl::~SelectorControl() = default;
@@ -103,7 +125,9 @@ FilterArray TSelector::itemFilter(const QString& text) const
 
 int TSelector::openItem(const TSelectorItem& item, TField* sender, const QString& filterText, bool showAlways)
 {
-  const FilterArray filter = itemFilter(filterText.isEmpty() ? item.Filter : filterText);
+  FilterArray filter = itemFilter(filterText.isEmpty() ? item.Filter : filterText);
+  if (!showAlways)
+    lookForBeginnings(filter, rowsOnTypedText(item));
   const FilterArray publicFilter = itemFilter(item.PublicFilter);
   const ShowOption options = ReadOnly ? item.Options | so_CannotSelect : item.Options;
   bool flag = false;
@@ -221,10 +245,7 @@ std::optional<LookupQuestion> TSelector::MatchQuestion(SelectorControl* control,
       question.shownField = selectorFieldNames(item.SourceFields).value(i);
   question.filter = itemFilter(item.Filter);
   question.publicFilter = itemFilter(item.PublicFilter);
-  const FilterArray written = BuildFilterFromStr(item.Filter);
-  for (int row = 0; row < written.size(); ++row)
-    if (variantText(written[row].value).contains(typedTextMacro))
-      question.typedRows.append(row);
+  question.typedRows = rowsOnTypedText(item);
   return question;
 }
 

@@ -35,7 +35,10 @@ TDBGrid::~TDBGrid() = default;
 void TDBGrid::connectModel()
 {
   connect(model_, &QAbstractItemModel::modelReset, this, [this] { sampled_ = false; });
-  connect(model_, &DatasetModel::fieldsChanged, this, &TDBGrid::arrangeColumns);
+  connect(model_, &DatasetModel::fieldsChanged, this, [this] {
+    sampled_ = false;  // the titles may be others now
+    arrangeColumns();
+  });
   connect(model_, &DatasetModel::cursorMoved, this, &TDBGrid::followCursor);
   connect(model_, &DatasetModel::recordsChanged, this, &TDBGrid::followRecords);
   connect(model_, &DatasetModel::recordStateChanged, this, [this] { updateRow(currentIndex().row()); });

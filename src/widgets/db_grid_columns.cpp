@@ -86,7 +86,7 @@ int TDBGrid::startingWidth(int column) const
   const bool button = inCellEditing_ && editor != CellEditorKind::ByType && editor != CellEditorKind::CheckBox;
   const int buttonRoom = button ? verticalHeader()->defaultSectionSize() - spacing::tight : 0;
   if (field->DisplayWidth > 0) {
-    return qMax(characterPixels(field->DisplayWidth), qMin(caption, widestStart / 2));
+    return qMax(characterPixels(field->DisplayWidth), qMin(caption, widestStart));
   }
   const int records = dataSet() && dataSet()->Active() ? qMin(sampledRecords, model_->rowCount()) : 0;
   if (records == 0) {

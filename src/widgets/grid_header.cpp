@@ -134,6 +134,12 @@ QSize GridHeader::sectionSizeFromContents(int section) const
   return QSize(captionWidth(caption), textLineHeight(fontMetrics()) + 2);
 }
 
+// Every title is one line high: no caption has to be measured for it, which the table asks for at each layout.
+QSize GridHeader::sizeHint() const
+{
+  return QSize(defaultSectionSize(), textLineHeight(fontMetrics()) + 2);
+}
+
 void GridHeader::mousePressEvent(QMouseEvent* event)
 {
   pressedFixed_ = event->button() == Qt::LeftButton ? fixedSectionAt(event->position().toPoint().x()) : -1;

@@ -42,6 +42,7 @@ class GridHeader : public QHeaderView {
   void paintSection(QPainter* painter, const QRect& rect, int section) const override;
   void paintEvent(QPaintEvent* event) override;
   QSize sectionSizeFromContents(int section) const override;
+  QSize sizeHint() const override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
 

@@ -131,6 +131,18 @@ void TStringGrid::setColumnWidths(const QList<int>& widths)
   shareWidth();
 }
 
+void TStringGrid::setColumnPixels(int column, int width)
+{
+  widths_.clear();
+  setColumnWidth(column, width);
+}
+
+void TStringGrid::setColumnDescriptor(int column, const StringGridColumn& descriptor)
+{
+  descriptors_.insert(column, descriptor);
+  viewport()->update();
+}
+
 void TStringGrid::shareWidth()
 {
   const int least = std::accumulate(widths_.begin(), widths_.end(), 0);
@@ -234,6 +246,12 @@ bool TStringGrid::focusNextPrevChild(bool next)
   }
   select(there % ColCount(), there / ColCount() + 1);
   return true;
+}
+
+void DeleteGridRoll(TStringGrid* grid, int row)
+{
+  grid->cancelEdit();
+  grid->table().removeRow(row);
 }
 
 }  // namespace kalvor

@@ -1,6 +1,8 @@
 // A grid of texts whose cells each have the editor that suits them. Everything works by keyboard.
 #pragma once
 
+#include <QColor>
+#include <QHash>
 #include <QPointer>
 #include <QTableView>
 #include <functional>
@@ -18,6 +20,12 @@ struct StringCellEditor {
   Kind kind = Kind::Plain;
   QStringList items;  // of a drop-down: typing completes to them, other texts are taken as typed
   QString icon;       // of the ellipsis button, by theme name; empty = "…"
+};
+
+// What a column keeps beside its title, for whoever stores the grid's view.
+struct StringGridColumn {
+  QStringList texts;  // empty: the column has no descriptor
+  QColor color;       // of its cells; invalid = the grid's own
 };
 
 // Rows count as in the table: 0 is the title row, so the first row of cells is 1.
@@ -41,6 +49,11 @@ class KALVOR_WIDGETS TStringGrid : public QTableView {
   int Row() const;
   void select(int column, int row); // makes the cell current
   void setColumnWidths(const QList<int>& widths);  // the least widths; the grid's width is shared out by them
+
+  // One column as wide as this; from then on the widths are no longer shared out.
+  void setColumnPixels(int column, int width);
+  StringGridColumn columnDescriptor(int column) const { return descriptors_.value(column); }
+  void setColumnDescriptor(int column, const StringGridColumn& descriptor);
 
   // Single slots.
   std::function<StringCellEditor(int column, int row)> OnGetEditor;       // empty: plain
@@ -71,6 +84,10 @@ class KALVOR_WIDGETS TStringGrid : public QTableView {
   StringGridModel* model_;
   StringGridDelegate* delegate_;
   QList<int> widths_;
+  QHash<int, StringGridColumn> descriptors_;
 };
+
+// Takes a row out of the grid, and an edit that is open with it; the titles stay.
+KALVOR_WIDGETS void DeleteGridRoll(TStringGrid* grid, int row);
 
 }  // namespace kalvor

@@ -89,6 +89,9 @@ void StringGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
   const StringCellEditor editor = grid_->editorOf(index.column(), index.row() + 1);
   const bool current = index == grid_->currentIndex();
   QColor background = palette.color(index.row() % 2 ? QPalette::AlternateBase : QPalette::Base);
+  if (const QColor color = grid_->columnDescriptor(index.column()).color; color.isValid()) {
+    background = color;
+  }
   if (editor.kind == StringCellEditor::Kind::None) {
     background = theme().readOnly;
   }

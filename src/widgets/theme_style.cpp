@@ -94,6 +94,16 @@ void drawScrollBar(const QStyleOptionSlider& bar, QPainter* painter)
 
 ThemeStyle::ThemeStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
+// Every child window asks for the icon of its menu, which the toolkit would read from its picture file each time.
+QIcon ThemeStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const
+{
+  const auto known = standardIcons_.constFind(icon);
+  if (known != standardIcons_.constEnd()) {
+    return *known;
+  }
+  return standardIcons_[icon] = QProxyStyle::standardIcon(icon, option, widget);
+}
+
 int ThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
 {
   switch (metric) {

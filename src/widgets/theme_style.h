@@ -1,6 +1,8 @@
 // The toolkit's Fusion style with quieter frames, flat buttons and the program's distances.
 #pragma once
 
+#include <QHash>
+#include <QIcon>
 #include <QProxyStyle>
 
 namespace kalvor {
@@ -10,6 +12,7 @@ class ThemeStyle : public QProxyStyle {
  public:
   ThemeStyle();
 
+  QIcon standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const override;
   int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* returnData) const override;
@@ -23,6 +26,9 @@ class ThemeStyle : public QProxyStyle {
                    const QWidget* widget) const override;
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                           const QWidget* widget) const override;
+
+ private:
+  mutable QHash<int, QIcon> standardIcons_;
 };
 
 }  // namespace kalvor

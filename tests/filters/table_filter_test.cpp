@@ -1,4 +1,5 @@
 #include "filter_text.h"
+#include "filters/filter_expression.h"
 #include "scripted_ports.h"
 #include "session/local_data.h"
 #include "several_tests.h"
@@ -71,6 +72,12 @@ class TableFilterTest : public QObject {
     const auto result = buildTableFilter(grid, *fields_, TableFilterMode::Values, failure);
     QVERIFY2(result, qPrintable(prompt.messages.join(u'\n')));
     QTEST(filterText(result->filter), "filter");
+
+    // The stored form knows no brackets.
+    FilterArray bare = result->filter;
+    for (FilterRow& line : bare)
+      line.brackets.clear();
+    QCOMPARE(filterText(BuildFilterFromStr(BuildStrFilter(result->filter))), filterText(bare));
 
     StringTable back(tableFilterColumnCount);
     int row = 1;

@@ -103,6 +103,20 @@ class CardFormTest : public QObject {
     card->execute(QStringLiteral("acCancel"));
   }
 
+  void menuButtonsOpenTheirMenuBesideThem()
+  {
+    Desk desk;
+    auto* card = desk.open<TfEdContragent>(contragentCard);
+    QVERIFY(card);
+    card->btnCard->click();
+    QVERIFY(card->cardMenu->isVisible());
+    const QPoint corner(card->btnCard->width(), card->btnCard->height() / 2);
+    QCOMPARE(card->cardMenu->pos(), card->btnCard->mapToGlobal(corner));
+    card->cardMenu->close();
+    QPushButton without;
+    card->PopUpButtonClick(&without);
+  }
+
   void aConflictKeepsWhatWasTyped()
   {
     Desk desk;

@@ -37,6 +37,7 @@ class DemoServer {
   quint16 port() const { return server_.port(); }
   void stop() { server_.stop(); }
   void start() { server_.start(); }
+  server::ServerCore& core() { return server_.core(); }
 
  private:
   server::ServerOptions options() const

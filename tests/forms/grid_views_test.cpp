@@ -14,6 +14,7 @@
 #include "session/error_log.h"
 #include "session/settings_document.h"
 #include "widgets/db_grid_ex.h"
+#include "widgets/string_grid.h"
 #include "widgets/theme.h"
 
 using namespace kalvor;
@@ -260,25 +261,32 @@ class GridViewsTest : public QObject {
   // A string grid of three columns, the second without a descriptor.
   void stringGrids()
   {
-    struct Columns : StringGridColumns {
-      QString gridName() const override { return "sgFilter"; }
-      int columnCount() const override { return int(views.size()); }
-      bool hasDescriptor(int column) const override { return !views.at(column).texts.isEmpty(); }
-      StringGridViewColumn column(int column) const override { return views.at(column); }
-      void setColumn(int column, const StringGridViewColumn& view) override { views[column] = view; }
-      QList<StringGridViewColumn> views;
+    const auto named = [](TStringGrid& grid) {
+      grid.setObjectName("sgFilter");
+      grid.setColumnWidths({70, 70, 70});
     };
     GridFile file;
-    Columns first;
-    first.views = {{{"a", "b", "c", "d"}, 40, clWindow}, {}, {{"e", "", "", "f"}, 50, 0xFF}};
-    SaveStringGridView(file.name(), 12, first);
+    TStringGrid first(3);
+    named(first);
+    first.setColumnDescriptor(0, {{"a", "b", "c", "d"}, {}});
+    first.setColumnDescriptor(2, {{"e", "", "", "f"}, Qt::red});
+    first.setColumnPixels(0, 40);
+    first.setColumnPixels(2, 50);
+    SaveStringGridView(file.name(), 12, &first);
     QCOMPARE(file.text(), QString("[12]\nsgFilter;0=a;b;c;d;40;clWindow;\nsgFilter;2=e;;;f;50;clRed;\n"));
-    Columns second;
-    second.views.resize(2);
-    LoadStringGridView(file.name(), 12, second);
-    QCOMPARE(second.views.at(0).texts, (QStringList{"a", "b", "c", "d"}));
-    QCOMPARE(second.views.at(0).width, 40);
-    QVERIFY(second.views.at(1).texts.isEmpty());
+    TStringGrid second(3), other(3), shorter(2);
+    named(second);
+    named(shorter);
+    const int width = second.columnWidth(1);
+    LoadStringGridView(file.name(), 12, &second);
+    QCOMPARE(second.columnDescriptor(0).texts, (QStringList{"a", "b", "c", "d"}));
+    QCOMPARE(second.columnDescriptor(2).color, QColor(Qt::red));
+    QCOMPARE((QList<int>{second.columnWidth(0), second.columnWidth(1), second.columnWidth(2)}), (QList<int>{40, width, 50}));
+    QVERIFY(second.columnDescriptor(1).texts.isEmpty());
+    LoadStringGridView(file.name(), 12, &shorter);
+    QCOMPARE(shorter.columnDescriptor(0).texts.size(), 4);
+    LoadStringGridView(file.name(), 12, &other);
+    QVERIFY(other.columnDescriptor(0).texts.isEmpty());
     QCOMPARE(file.logged("Грешка"), QStringList());
   }
 };

@@ -78,33 +78,50 @@ class ListFormTest : public QObject {
 
   void rightsRefuseWithTheFormsIdentifier_data()
   {
+    QTest::addColumn<int>("formId");
     QTest::addColumn<QString>("user");
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("message");
     const QString turnTo = QStringLiteral("\r\nМоля, обърнете се към системния администратор за отстраняване на проблема!");
-    QTest::newRow("read") << QStringLiteral("GUEST") << QString()
-                          << QStringLiteral("Забранен е прегледа на данни за форма с код : 140") + turnTo;
-    QTest::newRow("insert") << QStringLiteral("AUDITOR") << QStringLiteral("acInsertRecord")
-                            << QStringLiteral("Забранено е добавянето на записи за форма с код : 140") + turnTo;
-    QTest::newRow("edit") << QStringLiteral("AUDITOR") << QStringLiteral("acEditRecord")
-                          << QStringLiteral("Забранена е редакцията на записа за форма с код : 140") + turnTo;
-    QTest::newRow("delete") << QStringLiteral("AUDITOR") << QStringLiteral("acDeleteRecord")
-                            << QStringLiteral("Забранено е изтриването на записи за форма с код : 140") + turnTo;
+    struct Refusal {
+      const char* user;
+      const char* action;  // empty: opening
+      const char* message;
+    };
+    const Refusal refusals[] = {
+        {"GUEST", "", "Забранен е прегледа на данни за форма с код : "},
+        {"AUDITOR", "acInsertRecord", "Забранено е добавянето на записи за форма с код : "},
+        {"AUDITOR", "acCopyRecord", "Забранено е добавянето на записи за форма с код : "},
+        {"AUDITOR", "acEditRecord", "Забранена е редакцията на записа за форма с код : "},
+        {"AUDITOR", "acDeleteRecord", "Забранено е изтриването на записи за форма с код : "},
+        {"CASHIER", "acExport", "Забранено е Export на данни за форма с код : "},
+    };
+    for (const int formId : {contragents, contragents + 1}) {
+      for (const Refusal& row : refusals) {
+        QTest::addRow("%d %s %s", formId, row.user, row.action)
+            << formId << QString(row.user) << QString(row.action)
+            << QString::fromUtf8(row.message) + QString::number(formId) + turnTo;
+      }
+    }
   }
 
   void rightsRefuseWithTheFormsIdentifier()
   {
+    QFETCH(const int, formId);
     QFETCH(const QString, user);
     QFETCH(const QString, action);
     QFETCH(const QString, message);
     Desk desk(user);
     QVERIFY(desk.session.loggedIn);
-    auto* list = desk.open<TfBrContragent>(contragents);
-    QCOMPARE(list == nullptr, action.isEmpty());
-    if (list) {
-      const qsizetype before = list->cdsMaster()->RecordCount();
-      QVERIFY(list->execute(action));
-      QCOMPARE(list->cdsMaster()->RecordCount(), before);
+    auto* form = desk.open<TfBase>(formId);
+    QCOMPARE(form == nullptr, action.isEmpty());
+    if (form) {
+      TClientDataSet* master = form->GetCdsMaster();
+      const qsizetype before = master->RecordCount();
+      QVERIFY(form->execute(action));
+      QCOMPARE(master->RecordCount(), before);
+      QCOMPARE(master->State(), DataSetState::Browse);
+      QCOMPARE(master->ChangeCount(), 0);
       QCOMPARE(desk.window.area.subWindowList().size(), 1);
     }
     QCOMPARE(desk.prompt.takeMessages(), QStringList(message));

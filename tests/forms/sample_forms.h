@@ -1,6 +1,9 @@
 // Concrete forms as a module brings them: metadata alone.
 #pragma once
 
+#include <QMenu>
+#include <QPushButton>
+
 #include "forms/windows/base_browse.h"
 #include "forms/windows/base_edit.h"
 #include "form_session.h"
@@ -13,10 +16,19 @@ class TfBrContragent : public TfBaseBrowseCard {
   using TfBaseBrowseCard::TfBaseBrowseCard;
 };
 
+// With one of the family's menu buttons.
 class TfEdContragent : public TfBaseEditMaster {
   Q_OBJECT
  public:
-  using TfBaseEditMaster::TfBaseEditMaster;
+  explicit TfEdContragent(QWidget* parent = nullptr)
+      : TfBaseEditMaster(parent), btnCard(new QPushButton(this)), cardMenu(new QMenu(btnCard))
+  {
+    btnCard->setObjectName(QStringLiteral("btnCard"));
+    btnCard->hide();
+    cardMenu->addAction(QStringLiteral("Карта"));
+  }
+  QPushButton* btnCard;
+  QMenu* cardMenu;
 };
 
 class TfBrSaleInvoice : public TfBaseBrowseCard {

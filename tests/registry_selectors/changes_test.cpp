@@ -33,14 +33,17 @@ struct Document {
     services.answer = [this](const FilterArray& filter, Variant& value) { return find(filter, value); };
   }
 
-  // By exact code, or by the beginning of it.
+  // By exact code, by the beginning of it, or by a part of it, as the server does.
   int find(const FilterArray& filter, Variant& value)
   {
     QStringList found;
     const QString text = variantText(filter.value(0).value);
+    const auto holds = [&](const QString& known) {
+      return text.endsWith(u'%') ? known.startsWith(text.chopped(1), Qt::CaseInsensitive)
+                                 : known.contains(text, Qt::CaseInsensitive);
+    };
     for (const QString& known : items)
-      if (filter.value(0).op == QLatin1String("=") ? known.compare(text, Qt::CaseInsensitive) == 0
-                                                   : known.startsWith(text, Qt::CaseInsensitive))
+      if (filter.value(0).op == QLatin1String("=") ? known.compare(text, Qt::CaseInsensitive) == 0 : holds(known))
         found.append(known);
     if (!found.isEmpty())
       value = VariantArray{found.first(), QStringLiteral("Артикул ") + found.first(), QStringLiteral("id") + found.first()};
@@ -84,6 +87,7 @@ class SelectorChangesTest : public QObject {
     QTest::addColumn<QString>("record");
     QTest::addColumn<int>("opened");
     QTest::newRow("equals one") << "a1" << "1/A1/Артикул A1/idA1/-" << 0;
+    QTest::newRow("only inside one") << "2" << "1/Code x/Name x/Id x/-" << 1;
     QTest::newRow("begins only one") << "b" << "1/B2/Артикул B2/idB2/-" << 0;
     QTest::newRow("trimmed") << " B2 " << "1/B2/Артикул B2/idB2/-" << 0;
     QTest::newRow("several") << "a" << "1/Code x/Name x/Id x/-" << 1;
@@ -99,7 +103,7 @@ class SelectorChangesTest : public QObject {
     QTEST(int(document.services.openedForms.size()), "opened");
     QCOMPARE(document.heard, QStringList{document.code()->AsString()});
     if (!document.services.openedForms.isEmpty()) {
-      QCOMPARE(filterText(document.services.openedFilter), QStringLiteral("(N_Item.Code;LIKE;%1;)").arg(text));
+      QCOMPARE(filterText(document.services.openedFilter), QStringLiteral("(N_Item.Code;LIKE;%1%;)").arg(text));
       QVERIFY(document.services.openedOptions.testFlag(so_ShowModal));
     }
   }

@@ -1,7 +1,9 @@
 // Macros that refer to the record, its form and the control that opened a lookup.
 #include "fake_form.h"
 #include "filter_text.h"
+#include "filters/filter_macros.h"
 #include "filters/selector_macros.h"
+#include "scripted_ports.h"
 #include "session/local_data.h"
 #include "several_tests.h"
 
@@ -10,33 +12,42 @@ namespace kalvor::testing {
 class SelectorMacrosTest : public QObject {
   Q_OBJECT
  private slots:
+  // Every macro in both routines: of the session (filters of forms and rights), of the record (filters of lookups).
   void expansion_data()
   {
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* value, const char* expected) {
-      QTest::newRow(value) << QString::fromUtf8(value) << QString::fromUtf8(expected);
+    QTest::addColumn<QString>("ofSession");
+    QTest::addColumn<QString>("ofRecord");
+    const auto row = [](const char* value, const char* ofSession, const char* ofRecord) {
+      QTest::newRow(value) << QString::fromUtf8(value) << QString::fromUtf8(ofSession) << QString::fromUtf8(ofRecord);
     };
-    row("plain", "plain");
-    row("<#Field(Code)#>", "A1");
-    row("text before <#Field(code)#>", "A1");
-    row("<#Field(Missing)#>", "<#Field(Missing)#>");
-    row("<#MasterField(Contragent_Id)#>", "K7");
-    row("<#MasterField(Missing)#>", "<#MasterField(Missing)#>");
-    row("<#Param(OwnerValue)#>", "typed");
-    row("<#Param(ownervalue)#>", "<#Param(ownervalue)#>");
-    row("<#Param(company_id)#>", "5");
-    row("<#Param(BUSINESSGROUP_ID)#>", "7");
-    row("<#Param(User_Id)#>", "AB");
-    row("<#Param(CURRENT_DATE)#>", "<#Param(CURRENT_DATE)#>");
-    row("<#Const(1)#>", "1");
-    row("<#SqlParam(side)#>", "9");
-    row("<#SqlParam(Missing)#>", "<#SqlParam(Missing)#>");
+    row("plain", "plain", "plain");
+    row("<#Field(Code)#>", "<#Field(Code)#>", "A1");
+    row("text before <#Field(code)#>", "text before <#Field(code)#>", "A1");
+    row("<#Field(Code)#> text", "<#Field(Code)#> text", "<#Field(Code)#> text");
+    row("<#Field(Missing)#>", "<#Field(Missing)#>", "<#Field(Missing)#>");
+    row("<#MasterField(Contragent_Id)#>", "<#MasterField(Contragent_Id)#>", "K7");
+    row("<#MasterField(Missing)#>", "<#MasterField(Missing)#>", "<#MasterField(Missing)#>");
+    row("<#Param(OwnerValue)#>", "", "typed");
+    row("<#Param(ownervalue)#>", "", "<#Param(ownervalue)#>");
+    row("<#Param(company_id)#>", "5", "5");
+    row("before <#Param(COMPANY_ID)#>", "5", "5");
+    row("<#Param(BUSINESSGROUP_ID)#>", "7", "7");
+    row("<#Param(User_Id)#>", "AB", "AB");
+    row("<#Param(CURRENT_DATE)#>", "20240309", "<#Param(CURRENT_DATE)#>");
+    row("<#Param(current_date)#>", "20240309", "<#Param(current_date)#>");
+    row("<#Param(-7d)#>", "20240302", "<#Param(-7d)#>");
+    row("<#Param(-1м)#>", "20240209", "<#Param(-1м)#>");
+    row("<#Param(Other)#>", "", "<#Param(Other)#>");
+    row("<#Const(1)#>", "<#Const(1)#>", "1");
+    row("<#SqlParam(side)#>", "<#SqlParam(side)#>", "9");
+    row("<#SqlParam(Missing)#>", "<#SqlParam(Missing)#>", "<#SqlParam(Missing)#>");
+    row("<#CURRENTCOMPANY#>", "<#CURRENTCOMPANY#>", "<#CURRENTCOMPANY#>");
   }
   void expansion()
   {
     QFETCH(QString, value);
-    QFETCH(QString, expected);
+    const FixedClock clock(QDateTime(QDate(2024, 3, 9), QTime(12, 0)));
     LocalData.CompanyId = QStringLiteral("5");
     LocalData.BGroupId = QStringLiteral("7");
     LocalData.UserId = QStringLiteral("AB");
@@ -47,7 +58,8 @@ class SelectorMacrosTest : public QObject {
     TClientDataSet* lines = form.addDataSet(QStringLiteral("cdsDetail"), {fieldDef(QStringLiteral("Code"))});
     lines->AppendRecord({QStringLiteral("A1")});
     const FakeControl control(QStringLiteral("typed"));
-    QCOMPARE(variantText(ReturnFilterFieldValue(value, lines, &control, &form)), expected);
+    QTEST(ConvertSimleParamFilterValues(value), "ofSession");
+    QTEST(variantText(ReturnFilterFieldValue(value, lines, &control, &form)), "ofRecord");
     LocalData = TLocalData();
   }
 

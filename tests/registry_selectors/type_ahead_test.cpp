@@ -237,14 +237,14 @@ class TypeAheadTest : public QObject {
     QTest::addColumn<QStringList>("expected");
     const QString code = QStringLiteral("I.Code"), name = QStringLiteral("I.Name");
     QTest::newRow("by code") << "I.Code,LIKE,аб,&I.Kind,=,1," << QList<int>{0} << code << name
-                             << QStringList{"(I.Code;LIKE;аб;AND;() (I.Kind;=;1;;))", "(I.Name;LIKE;аб;AND;() (I.Kind;=;1;;))",
+                             << QStringList{"(I.Code;LIKE;аб%;AND;() (I.Kind;=;1;;))", "(I.Name;LIKE;аб%;AND;() (I.Kind;=;1;;))",
                                             "(I.Name;LIKE;%аб%;AND;() (I.Kind;=;1;;))"};
     QTest::newRow("by name") << "I.Name,LIKE,аб," << QList<int>{0} << code << name
-                             << QStringList{"(I.Name;LIKE;аб;)", "(I.Code;LIKE;аб;)", "(I.Name;LIKE;%аб%;)"};
+                             << QStringList{"(I.Name;LIKE;аб%;)", "(I.Code;LIKE;аб%;)", "(I.Name;LIKE;%аб%;)"};
     QTest::newRow("another field, no name") << "I.Bar,=,аб," << QList<int>{0} << code << QString()
-                                            << QStringList{"(I.Bar;LIKE;аб;)", "(I.Code;LIKE;аб;)", "(I.Bar;LIKE;%аб%;)"};
+                                            << QStringList{"(I.Bar;LIKE;аб%;)", "(I.Code;LIKE;аб%;)", "(I.Bar;LIKE;%аб%;)"};
     QTest::newRow("a filter without the text") << "I.Kind,=,1," << QList<int>{} << code << name
-                             << QStringList{"(I.Kind;=;1;AND;() (I.Code;LIKE;аб;;))", "(I.Kind;=;1;AND;() (I.Name;LIKE;аб;;))",
+                             << QStringList{"(I.Kind;=;1;AND;() (I.Code;LIKE;аб%;;))", "(I.Kind;=;1;AND;() (I.Name;LIKE;аб%;;))",
                                             "(I.Kind;=;1;AND;() (I.Name;LIKE;%аб%;;))"};
     QTest::newRow("nothing to compare") << "I.Kind,=,1," << QList<int>{} << QString() << QString() << QStringList{};
   }

@@ -76,6 +76,8 @@ class FilterConditionTest : public QObject {
     row("not empty number", {{"Code", "<>", "", "AND", "("}, {"Code", "is not ", "null", "", ")"}},
         "((C IS NOT NULL) AND (C IS NOT NULL))", "");
     row("IS", {{"Name", "IS", "NULL", ""}}, "(N IS NULL)", "");
+    row("text without a pattern", {{"Name", "LIKE", "аб_", ""}}, "(N LIKE ? ESCAPE '!')", "%аб!_%");
+    row("no text in a pattern", {{"Name", "LIKE", "", ""}}, "(N LIKE ? ESCAPE '!')", "%");
     row("pattern", {{"Name", "LIKE", "%аб", ""}}, "(N LIKE ? ESCAPE '!')", "%аб");
     row("pattern with a beginning", {{"Name", "LIKE", "аб%", ""}}, "((N >= ?) AND (N < ?) AND (N LIKE ? ESCAPE '!'))", "аб|ав|аб%");
     row("star in a pattern", {{"Name", "like", "%а*", "OR"}}, "(N LIKE ? ESCAPE '!')", "%а%");

@@ -156,6 +156,41 @@ class SessionServerTest : public QObject {
     QCOMPARE(lines, QStringList{"Grids=-1"});
   }
 
+  // Somebody who never saved anything has no row; both ways of saving make one.
+  void firstSettingsOfAUser_data()
+  {
+    QTest::addColumn<bool>("byStatement");
+    QTest::newRow("end of the session") << false;
+    QTest::newRow("statement") << true;
+  }
+  void firstSettingsOfAUser()
+  {
+    QFETCH(bool, byStatement);
+    const QString before = errors();
+    const auto own = u" FROM s_UserSettings WHERE Id = 'SUPERVSR' AND Comp_Id = '1'"_s;
+    const auto database = server_->core().openWriter();
+    database->execute(u"DELETE"_s + own);
+    {
+      Desk desk(*server_, documents_);
+      desk.logIn(u"SUPERVSR"_s);
+      QCOMPARE(errors(), before);
+      QVERIFY(desk.dm.userSettingsDocument() && desk.dm.userActionsDocument());
+      SaveNodeToXml(*desk.dm.userSettingsDocument(), u"Form_Id120"_s, {u"SortOrder=Name ASC"_s}, true);
+      if (byStatement)
+        QCOMPARE(desk.dm.ConBroker->Call(u"ExecuteSQLScript"_s, {desk.dm.GetUserDataForUpdate()}), Variant(0));
+      else
+        desk.dm.UserLogOff();
+    }
+    QCOMPARE(database->value(u"SELECT COUNT(*)"_s + own).toInt(), 1);
+    Desk again(*server_, documents_);
+    again.logIn(u"SUPERVSR"_s);
+    QStringList lines;
+    QVERIFY(again.dm.userSettingsDocument());
+    GetNodeFromXml(*again.dm.userSettingsDocument(), u"Form_Id120"_s, lines);
+    QCOMPARE(lines, QStringList{"SortOrder=Name ASC"});
+    QCOMPARE(errors(), before);
+  }
+
   void datasetIsReadInPackets()
   {
     Desk desk(*server_, documents_);

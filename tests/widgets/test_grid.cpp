@@ -59,6 +59,20 @@ class TestGrid : public QObject {
     QCOMPARE(form.selected(), QStringLiteral("Name"));
   }
 
+  // Captions come after the records; a width that the user chose stays.
+  void columnsAreAsWideAsTitlesThatComeLater()
+  {
+    GridForm form;
+    form.grid->setColumnPixels(QStringLiteral("Price"), 40);
+    const QString caption = QStringLiteral("Наименование на счетоводна група");
+    for (const char* name : {"Kind", "Price"})
+      form.field(name)->DisplayLabel = caption;
+    form.data.UpdateLayout();
+    const DatasetModel* model = form.grid->datasetModel();
+    QVERIFY(form.grid->columnWidth(model->columnOf(u"Kind")) >= form.grid->fontMetrics().horizontalAdvance(caption));
+    QCOMPARE(form.grid->columnWidth(model->columnOf(u"Price")), 40);
+  }
+
   void changesShowWithoutResets()
   {
     GridForm form;

@@ -251,9 +251,8 @@ void TfSort::acRemoveFromSortExecute()
   if (row < 1) {
     return;
   }
-  grid_->cancelEdit();
   const QString label = grid_->Cells(scField, row);
-  grid_->table().removeRow(row);
+  DeleteGridRoll(grid_, row);
   fillList();
   if (const auto found = fields_->findItems(label, Qt::MatchExactly); !found.isEmpty()) {
     fields_->setCurrentItem(found.first());

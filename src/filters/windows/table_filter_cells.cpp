@@ -28,7 +28,7 @@ constexpr CellHint cellHints[] = {
     {tfConjunction, u"И или ИЛИ към следващия ред; Alt+↓ за списъка."},
 };
 const QString containsHint =
-    QStringLiteral("С* започва със С, *ООД завършва на ООД, *А* има А някъде в текста.");
+    QStringLiteral("Търси се навсякъде в текста; С* започва със С, *ООД завършва на ООД.");
 const QString dateHint = QStringLiteral("15, 15.01, 15.01.2026, -1м (преди месец), +3д; Alt+↓ отваря календара.");
 const QString selectorHint = QStringLiteral("Alt+↓ отваря избор; няколко стойности се делят с |.");
 const QString severalHint = QStringLiteral("Няколко стойности се делят с |; празна стойност търси непопълнените.");
@@ -197,7 +197,7 @@ bool TfTableFilter::gridKey(QKeyEvent* event)
       return true;
     case Qt::Key_Delete:
       if (grid_->RowCount() > 2 && mayChangeRow(grid_->Row())) {
-        grid_->table().removeRow(grid_->Row());
+        DeleteGridRoll(grid_, grid_->Row());
       }
       return true;
     default: return false;
@@ -226,7 +226,7 @@ void TfTableFilter::miDeleteRowClick()
     return;
   }
   if (grid_->RowCount() > 2) {
-    grid_->table().removeRow(row);
+    DeleteGridRoll(grid_, row);
   } else {
     grid_->table().clearRow(row);
   }

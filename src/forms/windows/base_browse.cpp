@@ -77,6 +77,14 @@ void TfBaseBrowse::openCard(ShowOption options, const FilterArray& filter)
   RequestForm(formId() + 1, options, filter, this);
 }
 
+void TfBaseBrowse::ImportCDS()
+{
+  if (runGuarded(QStringLiteral("TfBase.acImportExecute"), [this] { acImportExecute(); })) {
+    openCard(so_StartImport, noRowFilter());
+    execute(QStringLiteral("acRefresh"));
+  }
+}
+
 void TfBaseBrowse::acInsertRecordExecute()
 {
   TfBase::acInsertRecordExecute();

@@ -25,6 +25,7 @@ class BASE_PACKAGE TfBaseBrowse : public TfBase {
   void DeleteRecord() override;
   void InsertRecord() override;
   void EditRecord() override;
+  void ImportCDS() override;  // the card imports, unseen; the list shows what came
   void SelectorFormSaved(QObject* form, const QString& recordId) override;
   void buildLayout() override;
 

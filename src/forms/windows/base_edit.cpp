@@ -190,6 +190,11 @@ void TfBaseEdit::CopyRecord()
   execute(QStringLiteral("acCopyRecord"));
 }
 
+void TfBaseEdit::ImportCDS()
+{
+  execute(QStringLiteral("acImport"));
+}
+
 void TfBaseEdit::SaveDocument()
 {
   execute(QStringLiteral("acSave"));

@@ -30,10 +30,12 @@ class BASE_PACKAGE TfBaseEdit : public TfBase {
   void acDeleteRecordExecute() override;
   void acSaveExecute() override;
   void acCancelExecute() override;
+  void acImportExecute() override;
   void DeleteRecord() override;
   void InsertRecord() override;
   void EditRecord() override;
   void CopyRecord() override;
+  void ImportCDS() override;
   void SaveDocument() override;
   // Between the server's yes and the discarding of the change logs.
   virtual void OnSaveBeforeGetData();

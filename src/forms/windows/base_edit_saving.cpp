@@ -144,12 +144,12 @@ void TfBaseEdit::finishSave(const QList<SaveDataSet>& dataSets, const QList<Reco
     if (changed && !savedId.isEmpty() && !showOptions().testFlag(so_ImportData)) {
       readMasterAnew(savedId);
     }
-    restorePositions(positions);
+    if (!isImporting()) {
+      restorePositions(positions);
+    }
   });
   UpdateActionState();
-  if (changed) {
-    tellOwnerSaved(savedId);
-  }
+  tellOwnerSaved(savedId);
 }
 
 void TfBaseEdit::readMasterAnew(const QString& savedId)

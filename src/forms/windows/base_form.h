@@ -11,16 +11,22 @@
 #include <memory>
 
 #include "forms/grid_order.h"
+#include "import/import_line.h"
 #include "registry/form_interfaces.h"
 
+class QAbstractButton;
 class QMenu;
 
 namespace kalvor {
 
 struct TCDSOptions;
+struct TFormatSettings;
+class TImportFilter;
 struct TFormRights;
 class TDBGrid;
 class SelectorControl;
+class ImportRun;
+class TfExportOptions;
 
 // What acCopyNew copies of one dataset. An empty field list means the fields that the metadata lets be copied.
 struct TCopyInfo {
@@ -145,7 +151,16 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual void ProcessCopyData();
   virtual bool CheckDataModification(bool edit, bool remove, bool insert);
   virtual void GetPrintDocument();
-  virtual void ImportData();
+  // Imports a data file into this form, which becomes the form of that identifier; the master opens empty unless
+  // so_DoNotShow is among the options. keyField and keyValue name the document of a file that holds lines only.
+  // Unattended: nothing is shown and nothing asked. False: the run broke off at an error, whose text is in error; what
+  // was saved before it stays saved.
+  virtual bool ImportData(int formId, const TImportFilter& filter, const QString& fileName, const QString& keyField,
+                          const QString& keyValue, QString& error, ShowOption options, bool unattended);
+  // Readies the master for one record by the import action (IMPORT_ACTION): -1 failed (error says why), 0 go on, 1 the
+  // record is passed over.
+  int PrepareImportCDS(int importAction, const TImportLine& line, const TFormatSettings& settings, QString& error);
+  bool isImporting() const;
   virtual void DoSaveGridView(TDBGrid* grid);
   virtual void DoLoadGridView(TDBGrid* grid);
   virtual bool isLockedField(TField* field);
@@ -187,6 +202,9 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void SetSecurityFilter(const FilterArray& filter) override;
   int SetSelectorAction(TField* field) override;
   virtual void DBG_ColEnter(TDBGrid* grid, TField* field);
+  // Opens the menu that is the button's child, its top-left corner at the middle of the button's right edge. A button
+  // without one does nothing. btnCard, btnDocument and btnLine of every form run it when they are clicked.
+  void PopUpButtonClick(QAbstractButton* button);
   virtual QString SpellNumber(bool flag);
 
   // --- Bodies that descendants extend -------------------------------------------------------------------
@@ -203,6 +221,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual void acRefreshExecute();
   virtual void acGetDetailsExecute();
   virtual void acSelectExecute();
+  virtual void acImportExecute();
   void SetEditControlsReadOnly();
   void SetPageControlCaptions();
   void reopenMaster();                      // after a new request: closes, forgets the metadata, opens
@@ -238,6 +257,9 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual QString detailKeyField(int dsIndex) const;
   // A lookup's choice is in the record, all its values; meanwhile isPuttingChoice() was true.
   virtual void choicePut(TClientDataSet* dataSet);
+  // An import has put a document with all its lines into the datasets, and is about to save it: what hangs on the lines
+  // together is brought up to date once. Meanwhile isImporting() is true.
+  virtual void documentPut();
   virtual void CDS_OnStateChange(TClientDataSet* dataSet);
   virtual void CDS_BeforeEdit(TClientDataSet* dataSet);
   virtual void CDS_BeforeInsert(TClientDataSet* dataSet);
@@ -251,6 +273,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
 
  private:
   friend class ControlWiring;
+  friend class ImportRun;
   friend int RequestForm(int, ShowOption, const FilterArray&, const FilterArray&, const ParameterArray&,
                          TSelectionList&, const TDefaultValues&, QObject*, QObject*, const TDialogParams*);
   void bindActions();
@@ -284,6 +307,7 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   void showWindow();
   void acCopyNewExecute();
   void acExportExecute();
+  void exportAs(const TfExportOptions& choice, TClientDataSet* master, TClientDataSet* detail);
   void titleClicked(TDBGrid* grid, TField* field, TitleClick click);
   void pasteRows(TDBGrid* grid);
 };

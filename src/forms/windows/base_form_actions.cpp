@@ -39,7 +39,7 @@ void TfBase::bindActions()
       {"acGetDetails", &TfBase::acGetDetailsExecute},
       {"acSelect", &TfBase::acSelectExecute},
       {"acCopyNew", &TfBase::acCopyNewExecute},
-      {"acImport", &TfBase::ImportData},
+      {"acImport", &TfBase::acImportExecute},
       {"acReCalcDocument", &TfBase::DoRecalcDocument},
   };
   for (const Body& body : bodies) {
@@ -77,6 +77,9 @@ QAction* TfBase::addNamedAction(const QString& name, const QString& caption, con
 
 void TfBase::UpdateActionState()
 {
+  if (d->importing) {
+    return;  // once, at its end
+  }
   runGuarded(QStringLiteral("TfBase.UpdateActionState"), [this] {
     const TClientDataSet* master = GetCdsMaster();
     const bool open = master && master->Active();
@@ -181,7 +184,6 @@ void TfBase::GetDocumentInfo() {}
 void TfBase::BuildRaveFilter() {}
 void TfBase::ProcessCopyData() {}
 void TfBase::GetPrintDocument() {}
-void TfBase::ImportData() {}
 void TfBase::DoRecalcDocument() {}
 void TfBase::ApplyDataModificationColors() {}
 void TfBase::ApplyReadOnlyColors() {}

@@ -1,4 +1,5 @@
 // The form's filter: default, field filter, removal; ordering by a title click; searching.
+#include "common/sql_text.h"
 #include "filters/windows/field_filter_dialog.h"
 #include "filters/windows/search_dialog.h"
 #include "filters/windows/sort_dialog.h"
@@ -16,18 +17,6 @@
 namespace kalvor {
 
 namespace {
-
-// The parameters with the new ones in place of those of the same name, the others behind.
-ParameterArray withParameters(ParameterArray base, const ParameterArray& extra)
-{
-  for (const NamedValue& parameter : extra) {
-    const auto same = std::find_if(base.begin(), base.end(), [&](const NamedValue& known) {
-      return known.name.compare(parameter.name, Qt::CaseInsensitive) == 0;
-    });
-    same == base.end() ? base.append(parameter) : void(*same = parameter);
-  }
-  return base;
-}
 
 // The criterion that the form filter holds for the field, else what the field shows.
 QString startingCriterion(const TField* field, const FilterArray& formFilter)
@@ -58,7 +47,7 @@ void TfBase::SetPblFilter(const FilterArray& publicFilter, const ParameterArray&
 {
   const WaitCursorScope wait;
   const FilterArray newFilter = mergeFormFilter(d->formFilter, publicFilter, merge);
-  const ParameterArray before = std::exchange(d->sqlParameters, withParameters(d->sqlParameters, params));
+  const ParameterArray before = std::exchange(d->sqlParameters, GetAllParams(d->sqlParameters, params));
   if (!RequestDataSet(0, buildRequestFilter(d->callerFilter, newFilter), d->sortOrder)) {
     d->sqlParameters = before;
     return;
@@ -166,13 +155,6 @@ void TfBase::acRemoveFilterExecute()
 void TfBase::becomeCardOf(const FilterArray& record)
 {
   d->callerFilter = callerWithSecurityFilter(record, securityFilter());
-}
-
-void TfBase::acExportExecute()
-{
-  if (!d->rights.ExportRight) {
-    throw FormRefusal(rightsRefusal(_err_ExportNotAllowed, d->formId));
-  }
 }
 
 void TfBase::titleClicked(TDBGrid* grid, TField* field, TitleClick click)

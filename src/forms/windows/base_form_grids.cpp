@@ -1,4 +1,5 @@
 // The views of the form's grids: kept for the user, and changed in the column-properties dialog.
+#include <QAbstractButton>
 #include <QMenu>
 
 #include "forms/windows/base_form_private.h"
@@ -35,6 +36,13 @@ void TfBase::DoLoadGridView(TDBGrid* grid)
   if (const QDomDocument* document = gridViewDocument(); document && grid) {
     runGuarded(QStringLiteral("TfBase.DoLoadGridView"),
                [&] { LoadGridView(*document, d->formId, gridTag(grid), grid); });
+  }
+}
+
+void TfBase::PopUpButtonClick(QAbstractButton* button)
+{
+  if (auto* menu = button->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
+    menu->popup(button->mapToGlobal(QPoint(button->width(), button->height() / 2)));
   }
 }
 

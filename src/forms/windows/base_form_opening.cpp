@@ -100,6 +100,7 @@ int TfBase::SetFormProperties()
   const ShowOption options = d->options;
   if (options.testFlag(so_StartImport)) {
     execute(QStringLiteral("acImport"));
+    deleteLater();  // nobody ever sees this form
     return 0;
   }
   if (options.testFlag(so_ImportData)) {

@@ -37,6 +37,7 @@ struct TfBase::Private {
   TDefaultValues defaultValues;
   bool canSave = true;
   bool tableFilterShown = false;
+  bool importing = false;
   int parsingDefaults = 0;                    // nested; field change handlers are quiet meanwhile
   QPointer<QObject> owner, caller;
   ISelectorOwnerIntf* activeSelector = nullptr;

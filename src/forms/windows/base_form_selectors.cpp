@@ -60,6 +60,8 @@ bool TfBase::isFillingDefaults() const { return d->parsingDefaults > 0; }
 bool TfBase::isPuttingChoice() const { return d->selectors.isPuttingChoice(); }
 void TfBase::choicePut(TClientDataSet*) {}
 
+void TfBase::documentPut() {}
+
 // --- Selectors of fields ---------------------------------------------------------------------------------------
 
 TSelector* TfBase::selectorOf(TField* field)

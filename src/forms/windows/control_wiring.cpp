@@ -1,5 +1,6 @@
 #include "forms/windows/control_wiring.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QFrame>
 
@@ -134,6 +135,12 @@ bool isPanel(const QWidget* widget)
   return widget->metaObject() == &QFrame::staticMetaObject;
 }
 
+bool isPopUpButton(const QAbstractButton* button)
+{
+  static const QStringList names{QStringLiteral("btnCard"), QStringLiteral("btnDocument"), QStringLiteral("btnLine")};
+  return names.contains(button->objectName());
+}
+
 QColor menuBarColor()
 {
   return QApplication::palette("QMenuBar").color(QPalette::Window);
@@ -148,6 +155,8 @@ void ControlWiring::run()
       wireGrid(grid);
     } else if (auto* label = qobject_cast<QLabel*>(widget)) {
       wireLabel(label);
+    } else if (auto* button = qobject_cast<QAbstractButton*>(widget); button && isPopUpButton(button)) {
+      QObject::connect(button, &QAbstractButton::clicked, form_, [form = form_, button] { form->PopUpButtonClick(button); });
     } else if (DataControl* control = DataControl::of(widget); control && control->field()) {
       wireControl(widget, *control);
     } else if (const QColor color = sessionReadOnlyColor(); color.isValid() && isPanel(widget)) {

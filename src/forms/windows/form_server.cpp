@@ -24,4 +24,14 @@ QString absoluteNumberSeries()
   return sessionCalls().Call(QStringLiteral("GetAbsoluteNoSerie_Id")).toString();
 }
 
+void disableFlowFields(const QString& providers)
+{
+  sessionCalls().Call(QStringLiteral("DisableFlowFields"), {providers});
+}
+
+void enableFlowFields(const QString& providers)
+{
+  sessionCalls().Call(QStringLiteral("EnableFlowFields"), {providers});
+}
+
 }  // namespace kalvor

@@ -13,4 +13,8 @@ RemoteCalls& sessionCalls();
 bool updateClientData(const VariantArray& packet, const Variant& numbering, const QString& requestId);
 QString absoluteNumberSeries();
 
+// Around an import: the server need not keep the computed fields of these providers (";"-separated) up to date.
+void disableFlowFields(const QString& providers);
+void enableFlowFields(const QString& providers);
+
 }  // namespace kalvor

@@ -7,6 +7,7 @@
 #include "session/ini_file.h"
 #include "session/local_settings_file.h"
 #include "widgets/db_grid_ex.h"
+#include "widgets/string_grid.h"
 
 namespace kalvor {
 
@@ -201,6 +202,32 @@ void LoadGridView(const QString& fileName, int formId, int tag, TDBGridEx* grid)
   loadView("LoadGridView", fileName, enhancedGridViewSection(formId, QString::number(tag)), grid, grid);
 }
 
+namespace {
+
+class ColumnsOfStringGrid : public StringGridColumns {
+ public:
+  explicit ColumnsOfStringGrid(TStringGrid* grid) : grid_(grid) {}
+
+  QString gridName() const override { return grid_->objectName(); }
+  int columnCount() const override { return grid_->ColCount(); }
+  bool hasDescriptor(int column) const override { return !grid_->columnDescriptor(column).texts.isEmpty(); }
+  StringGridViewColumn column(int column) const override
+  {
+    const StringGridColumn descriptor = grid_->columnDescriptor(column);
+    return {descriptor.texts, grid_->columnWidth(column), columnColorValue(descriptor.color)};
+  }
+  void setColumn(int column, const StringGridViewColumn& view) override
+  {
+    grid_->setColumnDescriptor(column, {view.texts, columnColor(view.color)});
+    grid_->setColumnPixels(column, qMax(0, view.width));
+  }
+
+ private:
+  TStringGrid* grid_;
+};
+
+}  // namespace
+
 // --- String grids --------------------------------------------------------------------------------------------------
 
 void SaveStringGridView(const QString& fileName, int formId, const StringGridColumns& grid)
@@ -242,6 +269,17 @@ void LoadStringGridView(const QString& fileName, int formId, StringGridColumns& 
       grid.setColumn(column, view);
     }
   });
+}
+
+void SaveStringGridView(const QString& fileName, int formId, TStringGrid* grid)
+{
+  SaveStringGridView(fileName, formId, ColumnsOfStringGrid(grid));
+}
+
+void LoadStringGridView(const QString& fileName, int formId, TStringGrid* grid)
+{
+  ColumnsOfStringGrid columns(grid);
+  LoadStringGridView(fileName, formId, columns);
 }
 
 }  // namespace kalvor

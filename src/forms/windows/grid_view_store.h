@@ -13,6 +13,7 @@ namespace kalvor {
 
 class TDBGrid;
 class TDBGridEx;
+class TStringGrid;
 
 // The columns of a string grid, as its view is stored. Positions count from 0, left to right; the titles' row holds
 // the descriptors.
@@ -41,6 +42,9 @@ BASE_PACKAGE void LoadGridView(const QString& fileName, int formId, int tag, TDB
 
 BASE_PACKAGE void SaveStringGridView(const QString& fileName, int formId, const StringGridColumns& grid);
 BASE_PACKAGE void LoadStringGridView(const QString& fileName, int formId, StringGridColumns& grid);
+// By the grid's object name; columns without a descriptor keep what they have.
+BASE_PACKAGE void SaveStringGridView(const QString& fileName, int formId, TStringGrid* grid);
+BASE_PACKAGE void LoadStringGridView(const QString& fileName, int formId, TStringGrid* grid);
 
 // --- Settings document -------------------------------------------------------------------------------------------------
 
