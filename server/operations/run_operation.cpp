@@ -150,7 +150,7 @@ Variant runPatiently(CallContext& call, const Operation& operation, const QStrin
 Variant runChecked(ServerCore& core, Connection& db, Session& session, const Operation& operation,
                    VariantArray& arguments, const QString& requestId)
 {
-  if (operation.needsLogIn() && !session.loggedIn()) {
+  if (operation.needsLogIn() && (!session.loggedIn() || !core.state().touch(session))) {
     throw RpcError(RpcError::NotLoggedIn, QStringLiteral("Моля, влезте в системата."));
   }
   checkArguments(operation, arguments);
@@ -159,7 +159,6 @@ Variant runChecked(ServerCore& core, Connection& db, Session& session, const Ope
   }
   if (operation.needsLogIn()) {
     requireActive(db, session);
-    core.state().touch(session);
   }
   CallContext call{core, session, db, core.metadata().current(db), arguments};
   return runPatiently(call, operation, requestId);

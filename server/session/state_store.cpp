@@ -99,16 +99,20 @@ bool StateStore::resumeSession(const QString& text, Session& session)
   });
 }
 
-void StateStore::touch(const Session& session)
+bool StateStore::touch(const Session& session)
 {
   const qint64 now = nowSeconds();
-  step([&] {
+  return step([&] {
     auto row = connection_->prepare(QStringLiteral("SELECT UsedAt FROM srv_Session WHERE Token = ?"));
     row->bind(0, session.token);
-    if (row->step() && row->integer(0) + 60 <= now) {
+    if (!row->step()) {
+      return false;
+    }
+    if (row->integer(0) + 60 <= now) {
       row->reset();
       connection_->execute(QStringLiteral("UPDATE srv_Session SET UsedAt = ? WHERE Token = ?"), {now, session.token});
     }
+    return true;
   });
 }
 

@@ -19,7 +19,8 @@ class KALVOR_SERVER StateStore {
   QString openSession(Session& session);
   // Finds the session of a text; false when there is none, or it has been silent for a day.
   bool resumeSession(const QString& text, Session& session);
-  void touch(const Session& session);                 // noted at most once a minute
+  // That it was used now, noted at most once a minute. False when the session was closed, through whatever server.
+  bool touch(const Session& session);
   void closeSessionsOf(const QString& userId, const QString& companyId, const QString& exceptToken);
 
   // False when the session has too many.

@@ -187,6 +187,8 @@ class TwoServersTest : public QObject {
     QCOMPARE(there.call("LogIn", logIn).toInt(), 0);
     TestCaller here(*first_, QStringLiteral("AB"));
     QCOMPARE(here.call("ChangePassword", {"AB", digestOf(QStringLiteral("nova"))}).toInt(), 0);
+    QCOMPARE(errorCode([&] { there.newProvider(); }), int(RpcError::NotLoggedIn));
+    QCOMPARE(errorCode([&] { here.newProvider(); }), 0);
     TestCaller again(*second_);
     QCOMPARE(again.call("ResumeSession", {logIn[4]}).toInt(), -1);
   }
