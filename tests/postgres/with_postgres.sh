@@ -5,7 +5,7 @@
 # Exit code 77: PostgreSQL is not installed.
 set -euo pipefail
 
-programs=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -n 1)
+programs=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -n 1 || true)
 [ -n "$programs" ] || programs=$(dirname "$(command -v initdb || echo /nowhere/initdb)")
 if ! [ -x "$programs/initdb" ] || ! [ -x "$programs/pg_ctl" ]; then
   echo "PostgreSQL is not installed" >&2
