@@ -22,6 +22,8 @@ Variant callDeleteDynamicProvider(CallContext& call);
 Variant callRequestData(CallContext& call);
 Variant callOpenProvider(CallContext& call);
 Variant callFetchRecords(CallContext& call);
+// read_many.cpp
+Variant callReadMany(CallContext& call);
 // request_value.cpp
 Variant callRequestValue(CallContext& call);
 // forms.cpp

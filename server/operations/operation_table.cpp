@@ -41,6 +41,7 @@ const Operation table[] = {
     {"FetchRecords", RunsOn::Reader, CallRight::ReadForm, {text, any, whole}, callFetchRecords},
     {"RequestValue", RunsOn::Reader, CallRight::ReadTable,
      {whole, text, text, listOrNull, {Shape::Any, true}, flag}, callRequestValue},
+    {"ReadMany", RunsOn::Reader, CallRight::LoggedIn, {list, out}, callReadMany},
     {"UpdateClientData", RunsOn::Writer, CallRight::WriteForm, {list, {Shape::ListOrNull, false, true}},
      callUpdateClientData},
     // Metadata.
