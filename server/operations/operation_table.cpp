@@ -43,6 +43,7 @@ const Operation table[] = {
      {whole, text, text, listOrNull, {Shape::Any, true}, flag}, callRequestValue},
     {"UpdateClientData", RunsOn::Writer, CallRight::WriteForm, {list, {Shape::ListOrNull, false, true}},
      callUpdateClientData},
+    {"ExecMultySQL", RunsOn::Writer, CallRight::WriteForm, {text}, callExecMultySql},
     // Metadata.
     {"GetFormsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFormsDescription},
     {"GetFieldsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFieldsDescription},
