@@ -36,6 +36,8 @@ Variant callUpdateClientData(CallContext& call);
 // user_settings.cpp
 Variant callUpdateUserSettings(CallContext& call);
 Variant callExecuteSqlScript(CallContext& call);
+// statement_batch.cpp
+Variant callExecMultySql(CallContext& call);
 // document_locks.cpp
 Variant callCheckOutDocument(CallContext& call);
 Variant callCheckInDocument(CallContext& call);

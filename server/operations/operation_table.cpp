@@ -44,6 +44,7 @@ const Operation table[] = {
     {"ReadMany", RunsOn::Reader, CallRight::LoggedIn, {list, out}, callReadMany},
     {"UpdateClientData", RunsOn::Writer, CallRight::WriteForm, {list, {Shape::ListOrNull, false, true}},
      callUpdateClientData},
+    {"ExecMultySQL", RunsOn::Writer, CallRight::WriteForm, {text}, callExecMultySql},
     // Metadata.
     {"GetFormsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFormsDescription},
     {"GetFieldsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFieldsDescription},
