@@ -23,7 +23,7 @@ Variant answerOf(CallContext& call, const Variant& question)
   const VariantArray parts = question.toList();
   const Operation* operation = readOperation(variantText(parts.value(0)));
   if (!operation) {
-    throw RpcError(RpcError::BadArguments, QStringLiteral("Тази операция не може да се извика заедно с други."));
+    return {};
   }
   VariantArray arguments = parts.value(1).toList();
   try {
