@@ -1,4 +1,5 @@
 // The server's log: one line an event on stderr, name=value pairs after it, never a secret or a record's content.
+// Where the systemd journal reads stderr, a line begins with its priority: <6> info, <4> warning, <3> error.
 #pragma once
 
 #include <QString>

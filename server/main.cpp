@@ -3,9 +3,11 @@
 #include <cstdio>
 
 #include "server/commands.h"
+#include "server/configuration.h"
 #include "server/load/command_line.h"
 #include "server/log.h"
 #include "server/server.h"
+#include "server/service_manager.h"
 #include "server/store/database.h"
 
 namespace {
@@ -17,20 +19,26 @@ using kalvor::server::OptionKind;
 int serve(const QStringList& arguments, const sigset_t& endSignals)
 {
   const CommandArguments line = kalvor::server::parseArguments(
-      arguments, {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
-                  {"--plaintext", OptionKind::Flag}});
+      kalvor::server::withConfiguration(arguments), {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
+                  {"--plaintext", OptionKind::Flag}, {"--metrics-port", OptionKind::Value}});
   kalvor::server::ServerOptions options;
   options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabase());
   options.address = line.value(QStringLiteral("--bind"), options.address);
   options.port = quint16(line.value(QStringLiteral("--port"), QString::number(options.port)).toUInt());
   options.plaintext = line.has(QStringLiteral("--plaintext"));
+  options.metricsPort = kalvor::server::countOf(line, QStringLiteral("--metrics-port"), options.metricsPort);
+  if (options.metricsPort > 65535) {
+    throw kalvor::server::UsageError(QStringLiteral("--metrics-port иска число от 0 до 65535"));
+  }
   kalvor::server::prepareDatabase(options.database);
   kalvor::server::ApplicationServer server(options);
   server.start();
   std::printf("ready on %s:%u\n", qPrintable(options.address), unsigned(server.port()));
   std::fflush(stdout);
+  kalvor::server::notifyServiceManager("READY=1\nSTATUS=port " + QByteArray::number(server.port()));
   int signal = 0;
   sigwait(&endSignals, &signal);
+  kalvor::server::notifyServiceManager("STOPPING=1");
   server.stop();
   return 0;
 }
@@ -51,7 +59,15 @@ int main(int argc, char** argv)
   QCoreApplication::setApplicationName(QStringLiteral("kalvor"));
   try {
     const QStringList arguments = application.arguments().mid(1);
-    return arguments.value(0) == u"serve" ? serve(arguments.mid(1), endSignals) : kalvor::server::runCommand(arguments);
+    if (arguments.value(0) == u"serve") {
+      return serve(arguments.mid(1), endSignals);
+    }
+    // Any other command may be cut off.
+    pthread_sigmask(SIG_UNBLOCK, &endSignals, nullptr);
+    return kalvor::server::runCommand(arguments);
+  } catch (const kalvor::server::UsageError& error) {
+    std::fprintf(stderr, "kalvor-server: %s\n", error.what());
+    return 2;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kalvor-server: %s\n", error.what());
     return 1;

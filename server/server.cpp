@@ -6,6 +6,8 @@
 
 #include "server/log.h"
 #include "server/net/io_server.h"
+#include "server/net/metrics_server.h"
+#include "server/service_manager.h"
 
 namespace kalvor::server {
 
@@ -17,7 +19,54 @@ struct ApplicationServer::Private {
   QThread thread;
   IoServer* io = nullptr;  // lives in the thread
   quint16 port = 0;
+  MetricsServer* metrics = nullptr;  // as io
+  quint16 metricsPort = 0;
+
+  void startMetrics();
+  void startWatchdog();
 };
+
+void ApplicationServer::Private::startMetrics()
+{
+  // Opened with the first question, in the thread that asks.
+  const auto reader = std::make_shared<std::unique_ptr<Connection>>();
+  const auto ask = [this, reader]() -> DatabaseState {
+    try {
+      if (!*reader) {
+        *reader = core.openReader();
+      }
+      (*reader)->value(QStringLiteral("SELECT MAX(Number) FROM srv_Migration"));
+      const auto [sessions, locks] = core.state().counts();
+      return {true, sessions, locks};
+    } catch (const StoreError& error) {
+      logEvent(LogLevel::Warning, "database_unhealthy", {{"details", QString::fromUtf8(error.what())}});
+      return {};
+    }
+  };
+  QString error;
+  QMetaObject::invokeMethod(io, [&] {
+    metrics = new MetricsServer(ask, [this] { return io->figures(); });
+    error = metrics->listen(quint16(options.metricsPort));
+    metricsPort = metrics->port();
+  }, Qt::BlockingQueuedConnection);
+  if (!error.isEmpty()) {
+    throw std::runtime_error("metrics: " + error.toStdString());
+  }
+  logEvent(LogLevel::Info, "metrics_listening", {{"port", QString::number(metricsPort)}});
+}
+
+// In the thread of the sockets, so that the service manager learns when that one stands still.
+void ApplicationServer::Private::startWatchdog()
+{
+  const std::chrono::milliseconds interval = watchdogInterval();
+  if (interval.count() > 0) {
+    QMetaObject::invokeMethod(io, [this, interval] {
+      auto* const timer = new QTimer(io);
+      QObject::connect(timer, &QTimer::timeout, io, [] { notifyServiceManager("WATCHDOG=1"); });
+      timer->start(interval);
+    }, Qt::BlockingQueuedConnection);
+  }
+}
 
 ApplicationServer::ApplicationServer(ServerOptions options) : d(std::make_unique<Private>(std::move(options))) {}
 
@@ -53,22 +102,37 @@ void ApplicationServer::start()
     stop();
     throw std::runtime_error(error.toStdString());
   }
+  if (d->options.metricsPort >= 0) {
+    try {
+      d->startMetrics();
+    } catch (...) {
+      stop();
+      throw;
+    }
+  }
+  d->startWatchdog();
   logEvent(LogLevel::Info, "listening", {{"address", d->options.address}, {"port", QString::number(d->port)}});
 }
 
 quint16 ApplicationServer::port() const { return d->port; }
+quint16 ApplicationServer::metricsPort() const { return d->metricsPort; }
 
 void ApplicationServer::stop()
 {
   if (!d->io) {
     return;
   }
-  QMetaObject::invokeMethod(d->io, [this] { d->io->close(); }, Qt::BlockingQueuedConnection);
+  QMetaObject::invokeMethod(d->io, [this] {
+    delete d->metrics;
+    d->io->close();
+  }, Qt::BlockingQueuedConnection);
   d->thread.quit();
   d->thread.wait();
   delete d->io;
   d->io = nullptr;
   d->port = 0;
+  d->metrics = nullptr;
+  d->metricsPort = 0;
   logEvent(LogLevel::Info, "stopped");
 }
 

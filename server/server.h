@@ -16,6 +16,7 @@ struct ServerOptions {
   quint16 port = 2030;                            // 0: any free one
   bool plaintext = false;                         // allows an address that is not the loopback
   int workers = 3;                                // threads that answer reading calls
+  int metricsPort = -1;                           // health and figures on the loopback; -1: none, 0: any free port
 };
 
 class KALVOR_SERVER ApplicationServer {
@@ -30,6 +31,7 @@ class KALVOR_SERVER ApplicationServer {
   // loopback and plaintext is not allowed.
   void start();
   quint16 port() const;  // 0 while stopped
+  quint16 metricsPort() const;  // 0 without one
   // Finishes the calls under way and closes every connection. Nothing happens when it is stopped.
   void stop();
 
