@@ -78,7 +78,7 @@ SettingValues fileSettings(const QString& fileName)
 {
   QFile file(fileName);
   if (QFileInfo(fileName).isDir() || !file.open(QIODevice::ReadOnly)) {
-    throw UsageError(QStringLiteral("%1 не може да бъде прочетен: %2").arg(fileName, file.errorString()));
+    throw UsageError(QStringLiteral("%1 липсва или не може да бъде прочетен").arg(fileName));
   }
   if (file.size() > largestFile) {
     throw UsageError(QStringLiteral("%1 е твърде голям").arg(fileName));

@@ -21,6 +21,7 @@ struct ApplicationServer::Private {
   quint16 port = 0;
   MetricsServer* metrics = nullptr;  // as io
   quint16 metricsPort = 0;
+  QTimer* watchdog = nullptr;  // as io
 
   void startMetrics();
   void startWatchdog();
@@ -61,9 +62,9 @@ void ApplicationServer::Private::startWatchdog()
   const std::chrono::milliseconds interval = watchdogInterval();
   if (interval.count() > 0) {
     QMetaObject::invokeMethod(io, [this, interval] {
-      auto* const timer = new QTimer(io);
-      QObject::connect(timer, &QTimer::timeout, io, [] { notifyServiceManager("WATCHDOG=1"); });
-      timer->start(interval);
+      watchdog = new QTimer;
+      QObject::connect(watchdog, &QTimer::timeout, io, [] { notifyServiceManager("WATCHDOG=1"); });
+      watchdog->start(interval);
     }, Qt::BlockingQueuedConnection);
   }
 }
@@ -124,6 +125,7 @@ void ApplicationServer::stop()
   }
   QMetaObject::invokeMethod(d->io, [this] {
     delete d->metrics;
+    delete d->watchdog;
     d->io->close();
   }, Qt::BlockingQueuedConnection);
   d->thread.quit();
@@ -132,6 +134,7 @@ void ApplicationServer::stop()
   d->io = nullptr;
   d->port = 0;
   d->metrics = nullptr;
+  d->watchdog = nullptr;
   d->metricsPort = 0;
   logEvent(LogLevel::Info, "stopped");
 }

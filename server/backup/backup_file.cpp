@@ -188,7 +188,7 @@ BackupSeal verifyBackup(const QString& fileName, QFile* copy)
 {
   QFile file(fileName);
   if (QFileInfo(fileName).isDir() || !file.open(QIODevice::ReadOnly)) {
-    failFile(fileName, QStringLiteral("архивът не може да бъде прочетен: %1").arg(file.errorString()));
+    failFile(fileName, QStringLiteral("няма такъв файл или не може да бъде прочетен"));
   }
   const auto found = sealOf(file);
   if (!found) {

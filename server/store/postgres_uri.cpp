@@ -8,15 +8,29 @@
 
 namespace kalvor::server {
 
-PostgresTarget postgresTarget(const QString& uri)
+namespace {
+
+using Options = std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)>;
+
+Options optionsOf(const QString& uri)
 {
   char* message = nullptr;
-  const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> options(
-      PQconninfoParse(uri.toUtf8().constData(), &message), &PQconninfoFree);
-  PQfreemem(message);  // it may repeat the password
+  Options options(PQconninfoParse(uri.toUtf8().constData(), &message), &PQconninfoFree);
+  PQfreemem(message);
   if (!options) {
-    throw StoreError(StoreError::Kind::Unreachable, QStringLiteral("адресът на базата данни не може да бъде прочетен"));
+    throw StoreError(StoreError::Kind::Unreachable,
+                     QStringLiteral("адресът на базата данни не може да бъде прочетен: не е URI на PostgreSQL"));
   }
+  return options;
+}
+
+}  // namespace
+
+void requirePostgresUri(const QString& uri) { optionsOf(uri); }
+
+PostgresTarget postgresTarget(const QString& uri)
+{
+  const Options options = optionsOf(uri);
   PostgresTarget target;
   for (const PQconninfoOption* option = options.get(); option->keyword; ++option) {
     if (!option->val) {

@@ -12,6 +12,9 @@ struct PostgresTarget {
   QString password;    // for PGPASSWORD; empty: none was given
 };
 
+// Throws StoreError (Unreachable) when the text is no URI; libpq's own message may repeat a password.
+KALVOR_SERVER void requirePostgresUri(const QString& uri);
+
 // Throws StoreError when the text is no URI; the message holds nothing of it.
 KALVOR_SERVER PostgresTarget postgresTarget(const QString& uri);
 
