@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <cstdio>
 #include <sys/stat.h>
 
@@ -55,7 +56,9 @@ void logEvent(LogLevel level, const char* event, std::initializer_list<LogPair> 
 QString logIncident(const char* event, const QString& details)
 {
   const QString id = QStringLiteral("%1").arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0')).left(8);
-  logEvent(LogLevel::Error, event, {{"incident", id}, {"details", details}});
+  // Statements in messages may hold what somebody typed; one that was cut has no closing quote.
+  static const QRegularExpression text(QStringLiteral("'(?:[^']|'')*(?:'|$)"));
+  logEvent(LogLevel::Error, event, {{"incident", id}, {"details", QString(details).replace(text, QStringLiteral("'…'"))}});
   return id;
 }
 

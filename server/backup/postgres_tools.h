@@ -9,6 +9,6 @@ namespace kalvor::server {
 
 // Runs one of PostgreSQL's programs and waits for it; with a URI it gets the connection as --dbname and the password,
 // if there is one, in its environment. Throws BackupError with what it wrote when it fails or is not installed.
-void runPostgresTool(const QString& program, const QStringList& arguments, const QString& uri = {});
+KALVOR_SERVER void runPostgresTool(const QString& program, const QStringList& arguments, const QString& uri = {});
 
 }  // namespace kalvor::server

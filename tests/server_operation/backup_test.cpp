@@ -6,6 +6,7 @@
 
 #include "server/backup/backup_command.h"
 #include "server/backup/backup_file.h"
+#include "server/backup/postgres_tools.h"
 #include "server/integrity/consistency.h"
 #include "server/store/introspection.h"
 #include "server_demo/demo_database.h"
@@ -193,6 +194,44 @@ class BackupTest : public QObject {
     QCOMPARE(parts(), QStringList());
   }
 
+  // The list of processes is everybody's.
+  void noPasswordAmongArguments_data()
+  {
+    QTest::addColumn<QString>("uri");
+    QTest::addColumn<QString>("seen");  // --dbname and the password of the environment
+    QTest::newRow("user part") << "postgresql://k:s3%27cret@h:1/d" << "user='k' dbname='d' host='h' port='1'|s3'cret";
+    QTest::newRow("parameter") << "postgresql://h/d?password=s3cret&sslmode=require" << "dbname='d' host='h' sslmode='require'|s3cret";
+    QTest::newRow("none") << "postgresql:///d?application_name=a%27b%5C" << "dbname='d' application_name='a\\'b\\\\'|";
+    QTest::newRow("unreadable") << "postgresql://k:s3%cret@h/d" << "";
+    QTest::newRow("key's password") << "postgresql:///d?sslpassword=s3cret" << "";
+  }
+  void noPasswordAmongArguments()
+  {
+    QFETCH(QString, uri);
+    QFETCH(QString, seen);
+    QTemporaryDir programs;
+    QFile program(programs.filePath(QStringLiteral("pg_seen")));
+    QVERIFY(program.open(QIODevice::WriteOnly));
+    program.write("#!/bin/sh\nprintf '%s|%s' \"$*\" \"$PGPASSWORD\" > \"$0.txt\"\n");
+    program.close();
+    program.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", programs.path().toUtf8() + ':' + path);
+    QString refused;
+    try {
+      runPostgresTool(QStringLiteral("pg_seen"), {}, uri);
+    } catch (const std::exception& error) {
+      refused = QString::fromUtf8(error.what());
+    }
+    qputenv("PATH", path);
+    QFile written(program.fileName() + QStringLiteral(".txt"));
+    const bool ran = written.open(QIODevice::ReadOnly);
+    QCOMPARE(ran, !seen.isEmpty());
+    QCOMPARE(refused.isEmpty(), ran);
+    QVERIFY(!refused.contains(QLatin1String("s3")));
+    QCOMPARE(QString::fromUtf8(ran ? written.readAll() : QByteArray()).remove(QStringLiteral("--dbname=")).remove(QStringLiteral(" --no-password")), seen);
+  }
+
   void wrongCalls_data()
   {
     QTest::addColumn<bool>("restores");
@@ -222,6 +261,11 @@ class BackupTest : public QObject {
     }
     const QString backup = folder_.filePath(QStringLiteral("files.backup"));
     QCOMPARE(runBackup({backup, "--db", database_}), 0);
+    {
+      const PartFile another(backup);
+      QCOMPARE(runBackup({backup, "--db", database_}), 1);
+      QVERIFY(QFile::exists(another.path()));
+    }
     // Names in the wrong order.
     QCOMPARE(runBackup({database_, "--db", database_}), 1);
     QVERIFY(holds(database_));

@@ -31,7 +31,8 @@ class ConsistencyTest : public QObject {
     plant("invoice_gross entry_of_document", "UPDATE D_SaleInvoiceHeader SET TotalVAT_LCY = TotalVAT_LCY + 1 WHERE Id = :owed");
     plant("invoice_without_lines", "DELETE FROM D_SaleInvoiceLine WHERE Master_Id = :invoice");
     // PostgreSQL lets nobody commit a line without its document.
-    plant(onPostgres() ? "lines_without_header invoice_totals" : "storage lines_without_header invoice_totals",
+    plant(onPostgres() ? "lines_without_header invoice_totals invoice_vat"
+                       : "storage lines_without_header invoice_totals invoice_vat",
           "UPDATE D_SaleInvoiceLine SET Master_Id = 'X' WHERE Id = :line");
     plant("lines_without_header references_D_SaleInvoiceLine", "UPDATE D_SaleInvoiceLine SET Comp_Id = '2' WHERE Id = :line");
     plant("number_given_twice",

@@ -31,16 +31,31 @@ class LogTest : public QObject {
   {
     QFETCH(QString, value);
     QFETCH(QString, written);
+    const QString line = writtenBy([&] { logEvent(LogLevel::Warning, "tried", {{"value", value}, {"last", QStringLiteral("1")}}); });
+    QCOMPARE(line.section(u' ', 1), QStringLiteral("level=warning event=tried value=%1 last=1\n").arg(written));
+  }
+
+  void incidentsHoldNoTexts()
+  {
+    const QString line = writtenBy([] {
+      logIncident("LogIn", QStringLiteral("near \"x\" in: SELECT 1 WHERE a = 'тай''на' AND b = 2 AND c = 'недовър"));
+    });
+    QVERIFY(line.endsWith(QStringLiteral(" details=\"near 'x' in: SELECT 1 WHERE a = '…' AND b = 2 AND c = '…'\"\n")));
+  }
+
+ private:
+  template <class Body>
+  static QString writtenBy(Body body)
+  {
     QTemporaryFile file;
-    QVERIFY(file.open());
+    file.open();
     const int before = dup(fileno(stderr));
     dup2(file.handle(), fileno(stderr));
-    logEvent(LogLevel::Warning, "tried", {{"value", value}, {"last", QStringLiteral("1")}});
+    body();
     dup2(before, fileno(stderr));
     close(before);
     file.seek(0);
-    const QString line = QString::fromUtf8(file.readAll());
-    QCOMPARE(line.section(u' ', 1), QStringLiteral("level=warning event=tried value=%1 last=1\n").arg(written));
+    return QString::fromUtf8(file.readAll());
   }
 };
 

@@ -1,13 +1,18 @@
 #include "server/service_manager.h"
 
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <QCryptographicHash>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <cstddef>
 #include <cstring>
 
+#include "rpc/connection.h"
+#include "rpc/rpc_error.h"
 #include "server/server.h"
 #include "several_tests.h"
 
@@ -52,6 +57,29 @@ class FakeManager {
 };
 
 }  // namespace
+
+// The program as a service manager starts it, with a journal behind its stderr.
+class Service {
+ public:
+  explicit Service(const QTemporaryDir& folder) : log(folder.filePath(QStringLiteral("log")))
+  {
+    QFile settings(folder.filePath(QStringLiteral("server.conf")));
+    settings.open(QIODevice::WriteOnly);
+    settings.write("port = 0\nmetrics-port = 0\ndb = " + folder.filePath(QStringLiteral("company.db")).toUtf8() + '\n');
+    settings.close();
+    log.open(QIODevice::ReadWrite);
+    struct stat stream{};
+    fstat(log.handle(), &stream);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("KALVOR_DATABASE"));
+    environment.insert(QStringLiteral("JOURNAL_STREAM"), QStringLiteral("%1:%2").arg(stream.st_dev).arg(stream.st_ino));
+    process.setProcessEnvironment(environment);
+    process.setStandardErrorFile(log.fileName(), QIODevice::Append);
+    process.start(QStringLiteral(KALVOR_SERVER_PROGRAM), {QStringLiteral("serve"), QStringLiteral("--config"), settings.fileName()});
+  }
+  QFile log;
+  QProcess process;
+};
 
 class ServiceManagerTest : public QObject {
   Q_OBJECT
@@ -104,6 +132,49 @@ class ServiceManagerTest : public QObject {
     qunsetenv("WATCHDOG_USEC");
     qunsetenv("WATCHDOG_PID");
     QCOMPARE(int(interval.count()), milliseconds);
+  }
+
+  void theProgramIsAService()
+  {
+    QTemporaryDir folder;
+    FakeManager manager(folder.filePath(QStringLiteral("notify")).toUtf8());
+    Service service(folder);
+    QByteArray state;
+    while (service.process.state() != QProcess::NotRunning && state.isEmpty()) {
+      state = manager.receive();  // a first start makes the demo company
+    }
+    QVERIFY2(state.startsWith("READY=1\nSTATUS=port "), state.constData());
+    const QString digest = QString::fromLatin1(QCryptographicHash::hash("demo", QCryptographicHash::Md5).toHex());
+    QString session;
+    {
+      SocketConnection socket;
+      socket.Port = state.mid(state.lastIndexOf(' ') + 1).toInt();
+      ConnectionBroker broker(&socket);
+      broker.Connect();
+      const auto logIn = [&](const QString& given) {
+        VariantArray arguments{QStringLiteral("SUPERVSR"), given, QString(), QStringLiteral("1"), QString()};
+        return std::pair(broker.Call(QStringLiteral("LogIn"), arguments).toInt(), arguments[4].toString());
+      };
+      session = logIn(digest).second;
+      QVERIFY(session.size() > 20);
+      QVERIFY(logIn(QStringLiteral("5ecret5ecret5ecret5ecret5ecret00")).first != 0);
+      broker.setSession(session);
+      VariantArray statement{QStringLiteral("DELETE FROM N_Users WHERE Id = 'тайна'")};
+      QVERIFY_THROWS_EXCEPTION(RpcError, broker.Call(QStringLiteral("ExecuteSQLScript"), statement));
+    }
+    service.process.terminate();
+    QVERIFY(service.process.waitForFinished());
+    QCOMPARE(service.process.exitCode(), 0);
+    QCOMPARE(manager.receive(), QByteArray("STOPPING=1"));
+    const QByteArray log = service.log.readAll();
+    for (const QByteArray& line : log.trimmed().split('\n')) {
+      QVERIFY2(line.startsWith("<6>") || line.startsWith("<4>"), line.constData());
+      QCOMPARE(line.startsWith("<4>"), line.contains(" level=warning "));
+    }
+    QVERIFY(log.contains("event=log_in ") && log.contains("event=statement_refused "));
+    for (const QByteArray& secret : {digest.toUtf8(), session.toUtf8(), QByteArray("5ecret"), QByteArray("тайна")}) {
+      QVERIFY2(!log.contains(secret), log.constData());
+    }
   }
 
   void aRunningServerSaysSo()
