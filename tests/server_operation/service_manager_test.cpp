@@ -153,7 +153,8 @@ class ServiceManagerTest : public QObject {
       broker.Connect();
       const auto logIn = [&](const QString& given) {
         VariantArray arguments{QStringLiteral("SUPERVSR"), given, QString(), QStringLiteral("1"), QString()};
-        return std::pair(broker.Call(QStringLiteral("LogIn"), arguments).toInt(), arguments[4].toString());
+        const int result = broker.Call(QStringLiteral("LogIn"), arguments).toInt();
+        return std::pair(result, arguments[4].toString());
       };
       session = logIn(digest).second;
       QVERIFY(session.size() > 20);
