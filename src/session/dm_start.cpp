@@ -43,22 +43,6 @@ QStringList settingsSection(const QString& section)
   return lines;
 }
 
-ServerPlace configuredPlace(const HostApplication& host)
-{
-  const QStringList server = settingsSection(QStringLiteral("Server"));
-  const QString port = valueOfLine(server, QStringLiteral("ServerPort"));
-  const QString address = valueOfLine(server, QStringLiteral("ServerAddress"));
-  const QString folder = host.systemSettingsFolder();
-  if ((!port.isEmpty() && !address.isEmpty()) || folder.isEmpty())
-    return {address, serverPort(port)};
-  const QString serviceFile = folder + QStringLiteral("KalvorWebService.ini");
-  LogError(serviceFile, QStringLiteral("TDM.SetUpRemoteCon"));
-  QStringList connection;
-  GetSectionFromIni(serviceFile, QStringLiteral("Connection"), connection, true);
-  return {valueOfLine(connection, QStringLiteral("Address")),
-          serverPort(valueOfLine(connection, QStringLiteral("Port")))};
-}
-
 struct CommandLineLogin {
   QString password;
 };
@@ -98,6 +82,22 @@ void rememberLogin(const QString& user, const QString& businessGroup, const QStr
 }
 
 }  // namespace
+
+ServerPlace configuredPlace(const HostApplication& host)
+{
+  const QStringList server = settingsSection(QStringLiteral("Server"));
+  const QString port = valueOfLine(server, QStringLiteral("ServerPort"));
+  const QString address = valueOfLine(server, QStringLiteral("ServerAddress"));
+  const QString folder = host.systemSettingsFolder();
+  if ((!port.isEmpty() && !address.isEmpty()) || folder.isEmpty())
+    return {address, serverPort(port)};
+  const QString serviceFile = folder + QStringLiteral("KalvorWebService.ini");
+  LogError(serviceFile, QStringLiteral("TDM.SetUpRemoteCon"));
+  QStringList connection;
+  GetSectionFromIni(serviceFile, QStringLiteral("Connection"), connection, true);
+  return {valueOfLine(connection, QStringLiteral("Address")),
+          serverPort(valueOfLine(connection, QStringLiteral("Port")))};
+}
 
 void TDM::showSplash(bool show)
 {
@@ -173,7 +173,8 @@ bool TDM::logIn(QString& user, const QString& password, QString& businessGroup, 
   try {
     const Variant answer = ConBroker->Call(QStringLiteral("LogIn"), arguments);
     result = isNull(answer) ? quitCode - 1 : answer.toInt();
-  } catch (const std::exception&) {
+  } catch (const std::exception& error) {
+    LogError(errorText(error), QStringLiteral("TDM.logIn"));
     return false;
   }
   user = variantText(arguments[0]);
