@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QStandardPaths>
 #include <QSysInfo>
 #include <cerrno>
@@ -145,8 +146,7 @@ QByteArray newCertificatePem(EVP_PKEY* key)
 // Puts a whole file into its place unless one is there: of several that do so together one wins. True for the winner.
 bool placeNewFile(const QString& path, const QByteArray& content, QFile::Permissions permissions)
 {
-  const QString draft = QStringLiteral("%1.%2").arg(path).arg(getpid());
-  QFile::remove(draft);
+  const QString draft = QStringLiteral("%1.%2").arg(path).arg(QRandomGenerator::system()->generate64(), 16, 16, QLatin1Char('0'));
   QFile file(draft);
   const bool written = file.open(QIODevice::WriteOnly | QIODevice::NewOnly, permissions) && file.write(content) == content.size() &&
                  file.flush() && fsync(file.handle()) == 0;

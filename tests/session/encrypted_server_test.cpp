@@ -4,7 +4,6 @@
 #include <QTcpServer>
 #include <QTest>
 #include <QThread>
-#include <sys/socket.h>
 
 #include "scratch_documents.h"
 #include "scripted_ports.h"
@@ -285,7 +284,10 @@ class EncryptedServerTest : public QObject {
   {
     QTest::addColumn<int>("protocol");
     QTest::addColumn<bool>("accepted");
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
     QTest::newRow("1.1") << int(QSsl::TlsV1_1) << false;
+    QT_WARNING_POP
     QTest::newRow("1.2") << int(QSsl::TlsV1_2) << true;
     QTest::newRow("1.3") << int(QSsl::TlsV1_3) << true;
   }
