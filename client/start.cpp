@@ -84,7 +84,11 @@ void loadIniOptions(const TDM& session)
 
 bool isUnattended(const ClientArguments& arguments)
 {
-  return arguments.rest.contains(QStringLiteral("-a"), Qt::CaseInsensitive);
+  // Switches and their values in pairs.
+  for (qsizetype i = 0; i + 1 < arguments.rest.size(); i += 2)
+    if (arguments.rest[i].compare(QLatin1String("-a"), Qt::CaseInsensitive) == 0 && !arguments.rest[i + 1].isEmpty())
+      return true;
+  return false;
 }
 
 ClientArguments clientArguments(int argc, char** argv)
@@ -94,8 +98,8 @@ ClientArguments clientArguments(int argc, char** argv)
     const QString argument = QString::fromLocal8Bit(argv[i]);
     if (argument == QLatin1String("--server") && i + 1 < argc)
       arguments.server = QString::fromLocal8Bit(argv[++i]);
-    else if (argument == QLatin1String("--fingerprint") && i + 1 < argc)
-      arguments.fingerprint = QString::fromLocal8Bit(argv[++i]);
+    else if (argument == QLatin1String("--fingerprint"))
+      arguments.fingerprint = i + 1 < argc ? QString::fromLocal8Bit(argv[++i]) : QStringLiteral("?");
     else if (argument == QLatin1String("--tls"))
       arguments.encryption = Encryption::Always;
     else if (argument == QLatin1String("--plaintext"))

@@ -89,13 +89,15 @@ ServerPlace configuredPlace(const HostApplication& host)
   const QString port = valueOfLine(server, QStringLiteral("ServerPort"));
   const QString address = valueOfLine(server, QStringLiteral("ServerAddress"));
   const QString folder = host.systemSettingsFolder();
+  // Nobody has named a server yet: the one on this machine.
+  const auto orThisMachine = [](const QString& named) { return named.isEmpty() ? QStringLiteral("127.0.0.1") : named; };
   if ((!port.isEmpty() && !address.isEmpty()) || folder.isEmpty())
-    return {address, serverPort(port)};
+    return {orThisMachine(address), serverPort(port)};
   const QString serviceFile = folder + QStringLiteral("KalvorWebService.ini");
   LogError(serviceFile, QStringLiteral("TDM.SetUpRemoteCon"));
   QStringList connection;
   GetSectionFromIni(serviceFile, QStringLiteral("Connection"), connection, true);
-  return {valueOfLine(connection, QStringLiteral("Address")),
+  return {orThisMachine(valueOfLine(connection, QStringLiteral("Address"))),
           serverPort(valueOfLine(connection, QStringLiteral("Port")))};
 }
 
@@ -153,8 +155,7 @@ bool TDM::SetUpRemoteCon()
     ConBroker->Disconnect();
     const ServerPlace place = configuredPlace(host_);
     SocketCon.Port = place.port;
-    // Nobody has named a server yet: the one on this machine.
-    SocketCon.Address = place.address.isEmpty() ? QStringLiteral("127.0.0.1") : place.address;
+    SocketCon.Address = place.address;
     ConBroker->Connect();
     return ConBroker->Connected();
   } catch (const std::exception& error) {

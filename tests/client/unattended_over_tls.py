@@ -40,7 +40,7 @@ try:
         expect("half a fingerprint is no fingerprint", code == BAD_ARGUMENTS and "--fingerprint" in said)
         code, said, kept = client(address)
         expect("who does not encrypt is told to", code == UNTRUSTED)
-        expect("none of them sent a password", LOG_IN not in logged())
+        expect("none of them has logged in", LOG_IN not in logged())
         code, said, kept = client(address, "--tls", "--fingerprint", fingerprint.lower().replace(":", ""))
         expect("the right one is let in", code == 0 and logged().count(LOG_IN) == 1 and "result=0" in logged())
         expect("that is kept for this server alone", f"[ServerEncryption]\n{address}=tls" in kept)

@@ -7,10 +7,14 @@
 
 #include "scratch_documents.h"
 #include "scripted_ports.h"
+#include "server/demo/demo_company.h"
+#include "server/operations/passwords.h"
 #include "server/server.h"
 #include "server/server_core.h"
 #include "session/error_log.h"
 #include "session/local_data.h"
+#include "session/password_digest.h"
+#include "session/server_calls.h"
 #include "session/trusted_servers.h"
 
 using namespace Qt::StringLiterals;
@@ -20,6 +24,7 @@ using namespace kalvor::testing;
 namespace {
 
 constexpr int fewSeconds = 8000;
+constexpr int settingsForm = 487;
 
 struct Running {
   explicit Running(bool tls)
@@ -331,16 +336,36 @@ class EncryptedServerTest : public QObject {
     QCOMPARE(desk.codeOf(ask), 0);
   }
 
-  // Answers and calls of many records, beyond every buffer.
+  // Calls and answers far beyond every buffer on the way.
+  void largeFramesPass_data()
+  {
+    QTest::addColumn<bool>("tls");
+    QTest::newRow("over TLS") << true;
+    QTest::newRow("in plain text") << false;
+  }
   void largeFramesPass()
   {
-    Workplace desk(encrypted_->port());
-    desk.servers.setGivenFingerprint(encrypted_->server->fingerprint());
+    QFETCH(bool, tls);
+    server::setPasswordCost(server::PasswordCost::CheapForTests);
+    Running own(tls);
+    server::DemoOptions demo;
+    demo.hashDigest = server::hashDigest;
+    demo.contragents = demo.items = 5;
+    demo.invoices = 1;
+    server::createDemoCompany(*own.server->core().openWriter(), demo);
+    Workplace desk(own.port(), tls ? Encryption::Always : Encryption::ByAddress);
+    desk.servers.setGivenFingerprint(own.server->fingerprint());
     ConnectionBroker broker(&desk.place);
-    // Before the log-in the server takes 16 KiB: a frame of just below passes, whole, many times.
-    for (int i = 0; i < 50; ++i) {
-      VariantArray arguments{QString(15 * 1024, u'x')};
-      QCOMPARE(broker.Call(u"ResumeSession"_s, arguments).toInt(), -1);
+    VariantArray logIn{u"SUPERVSR"_s, passwordDigest(server::demoPassword()), QString(), u"1"_s, QString()};
+    QCOMPARE(broker.Call(u"LogIn"_s, logIn).toInt(), 0);
+    for (const qsizetype size : {1000, 1'000'000, 12'000'000}) {
+      const QString text(size, u'Ж');
+      QCOMPARE(broker.Call(u"UpdateUserSettings"_s, {VariantArray{text}, u"'SUPERVSR'"_s}), Variant(0));
+      const QString provider = createDynamicProvider(broker);
+      QCOMPARE(requestData(broker, settingsForm, -1, provider, {}, QString(), {{u"ID"_s, u"SUPERVSR"_s}, {u"Comp_ID"_s, u"1"_s}}), 0);
+      const DataPacketPtr packet = broker.openProvider(provider, -1);
+      QCOMPARE(packet->records.rows, 1);
+      QVERIFY(packet->records.value(0, packet->records.indexOf(u"Settings"_s)).toString() == text);
     }
   }
 
