@@ -19,7 +19,10 @@ def client(address, *options):
          "-a", "xmlTransfer", "-f", "nothing"],
         env=dict(os.environ, QT_QPA_PLATFORM="offscreen", KALVOR_DOCUMENTS=documents), stderr=subprocess.PIPE, text=True,
         timeout=30)
-    with open(os.path.join(documents, "Kalvor", "kalvor.ini"), encoding="utf-8") as file:
+    kept = os.path.join(documents, "Kalvor", "kalvor.ini")
+    if not os.path.exists(kept):
+        return ended.returncode, ended.stderr, ""
+    with open(kept, encoding="utf-8") as file:
         return ended.returncode, ended.stderr, file.read()
 
 

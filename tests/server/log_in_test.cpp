@@ -46,7 +46,11 @@ class LogInTest : public QObject {
 
  private slots:
   void init() { company_ = std::make_unique<TestCompany>(); }
-  void cleanup() { company_.reset(); }
+  void cleanup()
+  {
+    state_.reset();
+    company_.reset();
+  }
 
   void everyAttemptCostsOneHash_data()
   {
@@ -233,9 +237,8 @@ class LogInTest : public QObject {
  private:
   Connection& state()
   {
-    if (!state_ || stateOf_ != company_.get()) {
+    if (!state_) {
       state_ = openDatabase(company_->databases().state, ConnectionUse::State);
-      stateOf_ = company_.get();
     }
     return *state_;
   }
@@ -248,7 +251,6 @@ class LogInTest : public QObject {
 
   std::unique_ptr<TestCompany> company_;
   std::unique_ptr<Connection> state_;
-  const TestCompany* stateOf_ = nullptr;
 };
 
 static RegisterTest<LogInTest> logInTest;
