@@ -33,11 +33,14 @@ QString keptLine(const QString& section, const QString& key)
   return valueOfLine(lines, key).trimmed();
 }
 
-// The fingerprint in two lines that can be read out.
+// The fingerprint in lines that a box does not break, and that can be read out.
 QString shownFingerprint(const QByteArray& fingerprint)
 {
-  const qsizetype half = fingerprint.size() / 2;
-  return fingerprintText(fingerprint.left(half)) + QStringLiteral(":\r\n") + fingerprintText(fingerprint.mid(half));
+  constexpr qsizetype bytesOfLine = 8;
+  QStringList lines;
+  for (qsizetype at = 0; at < fingerprint.size(); at += bytesOfLine)
+    lines.append(fingerprintText(fingerprint.mid(at, bytesOfLine)));
+  return lines.join(QStringLiteral(":\r\n"));
 }
 
 [[noreturn]] void untrusted(const QString& text)
@@ -111,7 +114,7 @@ void TrustedServers::ask(const QString& address, quint16 port, const QByteArray&
 {
   const QString key = serverKey(address, port);
   const QString question =
-      QStringLiteral("Свързвате се за първи път със сървъра %1.\r\n\r\nОтпечатъкът (SHA-256) на сертификата му е:\r\n%2"
+      QStringLiteral("Свързвате се за първи път със сървъра %1.\r\n\r\nОтпечатък (SHA-256) на сертификата му:\r\n%2"
                      "\r\n\r\nСравнете го с този, който показва „kalvor-server fingerprint“ на сървъра, или попитайте "
                      "системния администратор. Ако не съвпадат, откажете: на пътя има някой друг.\r\n\r\nДа се помни ли "
                      "този сървър като верен?")
