@@ -232,6 +232,7 @@ void ImportRun::putCells(TClientDataSet& dataSet, const TImportLine& line)
 
 void ImportRun::putLines()
 {
+  form_.linesComing(lines_, settings_);
   for (const TImportLine& line : lines_) {
     if (detail_->IsEditing()) {
       detail_->Post();
