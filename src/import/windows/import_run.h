@@ -4,6 +4,7 @@
 #include "forms/windows/base_form.h"
 #include "import/import_reader.h"
 #include "import/windows/import_prompt.h"
+#include "import/windows/import_trial.h"
 
 namespace kalvor {
 
@@ -24,8 +25,11 @@ class ImportRun {
 
   // Reads the file to its end, or to where the user stops it. TImportException when the file cannot be opened.
   void run(const QString& fileName);
+  // Puts the first documents into the form as run() does, and cancels each. DataError when the file cannot be read.
+  void tryDocuments(const QString& fileName, int mostDocuments, ImportTrial& trial);
 
  private:
+  struct Trying;
   enum class Next : quint8 { Document, End };
 
   Next importNext();
@@ -48,6 +52,12 @@ class ImportRun {
   QString recordInfo() const;
   void told(const QString& text);
   void report();
+  static ImportServices serverServices();
+  void watch(ImportServices& services);
+  void tryDocument(bool failedToRead, const QString& readingError);
+  void tryLine(qsizetype index);
+  void noteFailure(const QString& field, const QString& value, const std::exception& failure);
+  void noteTold(const QString& text);
 
   TfBase& form_;
   TfBaseEdit* edit_;  // the form, when it saves
@@ -65,6 +75,7 @@ class ImportRun {
   TImportSet lines_;
   int readStatus_ = 0;
   RememberedReadsScope* reads_ = nullptr;  // while it runs
+  Trying* trying_ = nullptr;               // during a trial
 };
 
 // What TfBase::PrepareImportCDS answers.
