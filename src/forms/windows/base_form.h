@@ -23,7 +23,6 @@ struct TCDSOptions;
 struct TFormatSettings;
 class TImportFilter;
 struct TFormRights;
-struct ImportTrial;
 class TDBGrid;
 class SelectorControl;
 class ImportRun;
@@ -158,9 +157,6 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   // was saved before it stays saved.
   virtual bool ImportData(int formId, const TImportFilter& filter, const QString& fileName, const QString& keyField,
                           const QString& keyValue, QString& error, ShowOption options, bool unattended);
-  // The first documents of a data file, put into this form as ImportData does and cancelled: nothing is saved, nothing
-  // shown. Raises what keeps the trial from beginning.
-  void TryImport(int formId, const TImportFilter& filter, const QString& fileName, int mostDocuments, ImportTrial& trial);
   // Readies the master for one record by the import action (IMPORT_ACTION): -1 failed (error says why), 0 go on, 1 the
   // record is passed over.
   int PrepareImportCDS(int importAction, const TImportLine& line, const TFormatSettings& settings, QString& error);

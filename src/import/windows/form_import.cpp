@@ -97,19 +97,19 @@ bool TfBase::ImportData(int formId, const TImportFilter& filter, const QString& 
   return false;
 }
 
-void TfBase::TryImport(int formId, const TImportFilter& filter, const QString& fileName, int mostDocuments,
-                       ImportTrial& trial)
+void ImportRun::tryInto(TfBase& form, int formId, const TImportFilter& filter, const QString& fileName,
+                        int mostDocuments, ImportTrial& trial)
 {
   const WaitCursorScope wait;
-  FormCreate();
-  const QuietFigures quiet(*this);
-  const QScopedValueRollback<bool> importing(d->importing, true);
-  d->formId = formId;
-  SetFormRights(formId, false);
-  requireInsertRight();
+  form.FormCreate();
+  const QuietFigures quiet(form);
+  const QScopedValueRollback<bool> importing(form.d->importing, true);
+  form.d->formId = formId;
+  form.SetFormRights(formId, false);
+  form.requireInsertRight();
   TSelectionList none;
-  DoShowForm(formId, so_ImportData, noRowFilter(), {}, none, {}, {});
-  ImportRun(*this, filter, QString(), QString(), ImportAttended::No).tryDocuments(fileName, mostDocuments, trial);
+  form.DoShowForm(formId, so_ImportData, noRowFilter(), {}, none, {}, {});
+  ImportRun(form, filter, QString(), QString(), ImportAttended::No).tryDocuments(fileName, mostDocuments, trial);
 }
 
 int TfBase::PrepareImportCDS(int importAction, const TImportLine& line, const TFormatSettings& settings, QString& error)

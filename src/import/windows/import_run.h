@@ -25,10 +25,13 @@ class ImportRun {
 
   // Reads the file to its end, or to where the user stops it. TImportException when the file cannot be opened.
   void run(const QString& fileName);
-  // Puts the first documents into the form as run() does, and cancels each. DataError when the file cannot be read.
-  void tryDocuments(const QString& fileName, int mostDocuments, ImportTrial& trial);
+  // Opens the form as TfBase::ImportData does, puts the first documents into it as run() does, and cancels each: nothing
+  // is saved, nothing shown. Raises what keeps the trial from beginning.
+  static void tryInto(TfBase& form, int formId, const TImportFilter& filter, const QString& fileName, int mostDocuments,
+                      ImportTrial& trial);
 
  private:
+  void tryDocuments(const QString& fileName, int mostDocuments, ImportTrial& trial);
   struct Trying;
   enum class Next : quint8 { Document, End };
 

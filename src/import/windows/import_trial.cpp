@@ -262,7 +262,7 @@ ImportTrial tryImport(int formId, const TImportFilter& filter, const QString& fi
       return trial;
     }
     const QScopedValueRollback<bool> running(DM->ImportRunning, true);
-    form->TryImport(formId, filter, fileName, mostDocuments, trial);
+    ImportRun::tryInto(*form, formId, filter, fileName, mostDocuments, trial);
   } catch (const std::exception& failure) {
     trial.error = errorText(failure);
   }
