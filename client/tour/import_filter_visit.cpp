@@ -27,7 +27,7 @@ void writeSample()
                               "9003;06.10.2026;няма такъв;%3;Непознат клиент;1;10,50\r\n"
                               "9004;06.10.2026;%2;няма;Непознат артикул;1;10,50\r\n9004;06.10.2026;%2;%4;Грешно число;две;4,20\r\n"
                               "9005;07.10.2026;%2;%4;Добър ред;5;4,20\r\n")
-                   .arg(QStringLiteral("10001"), QStringLiteral("10002"), QStringLiteral("100001"), QStringLiteral("100002"))
+                   .arg(QStringLiteral("10001"), QStringLiteral("10002"), QStringLiteral("110001"), QStringLiteral("110002"))
                    .toUtf8());
 }
 
@@ -62,7 +62,7 @@ void visitImportFilters(TourDriver& driver)
       driver.key(Qt::Key_Down);
     for (int i = 0; i < 7; ++i)
       driver.key(Qt::Key_Right);
-    driver.key(Qt::Key_F4);
+    driver.key(Qt::Key_Down, Qt::AltModifier);
   });
   driver.step("the lookup's window", dialogIs("TfImportLookup"), [] {});
   driver.picture("import-filters-lookup");

@@ -7,7 +7,7 @@
 namespace kalvor {
 namespace {
 
-enum MappingItem : int { kindItem, keyItem, targetItem, rangeItem, defaultItem, linksItem, queryItem, tableItem, conditionsItem };
+enum MappingItem : int { mapKind, mapKey, mapTarget, mapRange, mapDefault, mapLinks, mapQuery, mapTable, mapConditions };
 
 constexpr int firstFreeColumn = 900;
 
@@ -36,7 +36,7 @@ class DescriptionText {
   QStringList items_;
 };
 
-bool isLookupEntry(const DescriptionText& description) { return description.item(kindItem) == u"2"; }
+bool isLookupEntry(const DescriptionText& description) { return description.item(mapKind) == u"2"; }
 
 QStringList fieldNames(const QString& list)
 {
@@ -104,12 +104,12 @@ QList<ImportMappingRow> entryRows(const ImportText& text, ImportSection part)
     ImportMappingRow row;
     row.part = part;
     row.entry = i;
-    row.key = description.item(keyItem) == u"1";
-    row.range = description.item(rangeItem);
+    row.key = description.item(mapKey) == u"1";
+    row.range = description.item(mapRange);
     row.column = entries[i].name().trimmed();
-    if (description.item(kindItem) == u"1") {
-      row.field = description.item(targetItem);
-      row.defaultText = description.item(defaultItem);
+    if (description.item(mapKind) == u"1") {
+      row.field = description.item(mapTarget);
+      row.defaultText = description.item(mapDefault);
       rows.append(row);
     } else if (isLookupEntry(description)) {
       const ImportLookupText lookup = importLookupText(text, part, i);
@@ -150,7 +150,7 @@ int listUses(const ImportText& text, const QString& name)
   int uses = 0;
   for (const ImportSection part : {ImportSection::Master, ImportSection::Detail, ImportSection::Fallbacks})
     for (const ImportTextEntry& entry : text.entries(part)) {
-      const QString links = DescriptionText(entry.value()).item(linksItem);
+      const QString links = DescriptionText(entry.value()).item(mapLinks);
       uses += sameField(listName(links, 0), name) || sameField(listName(links, 1), name) ? 1 : 0;
     }
   return uses;
@@ -185,16 +185,16 @@ ImportLookupText importLookupText(const ImportText& text, ImportSection part, in
   const ImportTextEntry source = text.entries(part).value(entry);
   const DescriptionText description(source.value());
   lookup.column = source.name().trimmed();
-  lookup.key = description.item(keyItem) == u"1";
-  lookup.range = description.item(rangeItem);
-  lookup.fallback = description.item(defaultItem);
-  lookup.query = description.item(queryItem);
-  lookup.table = description.item(tableItem);
-  lookup.sourceList = listName(description.item(linksItem), 0);
-  lookup.targetList = listName(description.item(linksItem), 1);
+  lookup.key = description.item(mapKey) == u"1";
+  lookup.range = description.item(mapRange);
+  lookup.fallback = description.item(mapDefault);
+  lookup.query = description.item(mapQuery);
+  lookup.table = description.item(mapTable);
+  lookup.sourceList = listName(description.item(mapLinks), 0);
+  lookup.targetList = listName(description.item(mapLinks), 1);
   lookup.sourceFields = text.value(ImportSection::LinkFields, lookup.sourceList);
   lookup.targetFields = text.value(ImportSection::LinkFields, lookup.targetList);
-  lookup.conditions = conditionTexts(description.item(conditionsItem));
+  lookup.conditions = conditionTexts(description.item(mapConditions));
   return lookup;
 }
 
@@ -220,14 +220,14 @@ void putImportLookup(ImportText& text, ImportSection part, int entry, const Impo
   const QString sourceList = putList(changed, lookup.sourceList, lookup.sourceFields, QStringLiteral("Source"));
   const QString targetList = putList(changed, lookup.targetList, lookup.targetFields, QStringLiteral("Target"));
   const QString column = checkedColumn(lookup.column);
-  description.set(kindItem, QStringLiteral("2"));
-  description.set(keyItem, lookup.key ? QStringLiteral("1") : QStringLiteral("0"));
-  description.set(rangeItem, lookup.range.trimmed());
-  description.set(defaultItem, lookup.fallback.trimmed());
-  description.set(linksItem, sourceList + u';' + targetList);
-  description.set(queryItem, lookup.query.trimmed());
-  description.set(tableItem, lookup.table.trimmed());
-  description.set(conditionsItem, conditions.join(u';'));
+  description.set(mapKind, QStringLiteral("2"));
+  description.set(mapKey, lookup.key ? QStringLiteral("1") : QStringLiteral("0"));
+  description.set(mapRange, lookup.range.trimmed());
+  description.set(mapDefault, lookup.fallback.trimmed());
+  description.set(mapLinks, sourceList + u';' + targetList);
+  description.set(mapQuery, lookup.query.trimmed());
+  description.set(mapTable, lookup.table.trimmed());
+  description.set(mapConditions, conditions.join(u';'));
   changed.setEntry(part, entry, column + u'=' + description.text());
   text = changed;
 }
@@ -272,8 +272,8 @@ void putImportMapping(ImportText& text, const ImportMappingRow& row)
   DescriptionText description(old.value());
   const QString key = row.key ? QStringLiteral("1") : QStringLiteral("0");
   if (row.isLookup) {
-    if (row.key != (description.item(keyItem) == u"1"))
-      description.set(keyItem, key);
+    if (row.key != (description.item(mapKey) == u"1"))
+      description.set(mapKey, key);
     text.setEntry(row.part, row.entry, old.name() + u'=' + description.text());
     return;
   }
@@ -284,12 +284,12 @@ void putImportMapping(ImportText& text, const ImportMappingRow& row)
     return;
   }
   const QString position = column.isEmpty() ? QString::number(freeColumn(text)) : checkedColumn(column);
-  description.set(kindItem, QStringLiteral("1"));
-  description.set(targetItem, row.field);
-  description.set(rangeItem, row.range.trimmed());
-  description.set(defaultItem, defaultText);
-  if (row.key != (description.item(keyItem) == u"1") || description.item(keyItem).isEmpty())
-    description.set(keyItem, key);
+  description.set(mapKind, QStringLiteral("1"));
+  description.set(mapTarget, row.field);
+  description.set(mapRange, row.range.trimmed());
+  description.set(mapDefault, defaultText);
+  if (row.key != (description.item(mapKey) == u"1") || description.item(mapKey).isEmpty())
+    description.set(mapKey, key);
   text.setEntry(row.part, row.entry, position + u'=' + description.text());
 }
 

@@ -34,7 +34,8 @@ QString storableEntry(const QString& entry)
 
 QString storedImportText(const QString& typed)
 {
-  return QString(typed).remove(u'\r').replace(u'\n', QStringLiteral("\r\n"));
+  constexpr QChar paragraphEnd(0x2029), lineEnd(0x2028);
+  return QString(typed).remove(u'\r').replace(paragraphEnd, u'\n').replace(lineEnd, u'\n').replace(u'\n', QStringLiteral("\r\n"));
 }
 
 QString importSectionName(ImportSection section)

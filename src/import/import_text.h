@@ -53,7 +53,7 @@ class KALVOR_RULES ImportText {
   QString text_;
 };
 
-// A text as somebody typed it, with the line ends that an entry takes for blanks.
+// A text as somebody typed it (a document's paragraph ends too), with the line ends that an entry takes for blanks.
 KALVOR_RULES QString storedImportText(const QString& typed);
 KALVOR_RULES QString importSectionName(ImportSection section);
 inline constexpr ImportSection importSections[] = {ImportSection::Options, ImportSection::Master, ImportSection::Detail,

@@ -10,6 +10,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include "import/windows/import_filter_columns.h"
@@ -145,12 +146,13 @@ void TfEdImportFilters::buildPages()
   pcPages->setObjectName(QStringLiteral("pcPages"));
   pcPages->setDocumentMode(true);
   pcPages->tabBar()->setFocusPolicy(Qt::NoFocus);
-  ebxFile = new QLineEdit;
-  btnFile = new QPushButton(QStringLiteral("Избор (F7)"));
-  btnTry = new QPushButton(QStringLiteral("Проба (F9)"));
-  btnDelimiter = new QPushButton(QStringLiteral("Приемане на &разделителя"));
-  lblSample = new QLabel;
+  ebxFile = new QLineEdit(this);
+  btnFile = new QPushButton(QStringLiteral("Избор (F7)"), this);
+  btnTry = new QPushButton(QStringLiteral("Проба (F9)"), this);
+  btnDelimiter = new QPushButton(QStringLiteral("Приемане на &разделителя"), this);
+  lblSample = new QLabel(this);
   lblProblems = captionLabel(QString());
+  lblProblems->setParent(this);
   pcPages->addTab(buildMappingPage(), QStringLiteral("Полета"));
   pcPages->addTab(buildOptionsPage(), QStringLiteral("Настройки"));
   pcPages->addTab(buildTextPage(), QStringLiteral("Текст"));
@@ -302,7 +304,7 @@ QWidget* TfEdImportFilters::buildTextPage()
   connect(lbProblems, &QListWidget::itemActivated, this, [this] { goToProblem(lbProblems->currentRow()); });
   connect(memText, &QPlainTextEdit::textChanged, this, [this] {
     if (!showing_) {
-      changeText(ImportText(storedImportText(memText->toPlainText())), Source::Memo);
+      changeText(ImportText(storedImportText(memText->document()->toRawText())), Source::Memo);
     }
   });
   auto* splitter = new QSplitter(Qt::Vertical);

@@ -105,11 +105,13 @@ bool mayOpenImportFilters()
 
 void openImportFilters(QWidget* form)
 {
-  const auto* list = qobject_cast<TfBaseBrowse*>(form);
-  const auto* card = qobject_cast<TfBaseEdit*>(form);
-  openImportFiltersOf(list                                                  ? list->formId() + 1
-                      : card && card->formId() != importFiltersForm ? card->formId()
-                                                                            : 0);
+  int formId = 0;
+  if (const auto* list = qobject_cast<TfBaseBrowse*>(form)) {
+    formId = list->formId() + 1;
+  } else if (const auto* card = qobject_cast<TfBaseEdit*>(form); card && card->formId() != importFiltersForm) {
+    formId = card->formId();
+  }
+  openImportFiltersOf(formId);
 }
 
 void openImportFiltersOf(int formId)

@@ -34,6 +34,11 @@ QString shownLines(const QString& stored)
   return QString(stored).remove(u'\r');
 }
 
+bool showsText(const QPlainTextEdit& memo, const QString& stored)
+{
+  return storedImportText(memo.document()->toRawText()) == storedImportText(stored);
+}
+
 }  // namespace
 
 TfEdImportFilters::TfEdImportFilters(QWidget* parent)
@@ -65,6 +70,7 @@ TfEdImportFilters::~TfEdImportFilters() = default;
 void TfEdImportFilters::FormShow()
 {
   TfBaseEditGrid::FormShow();
+  grdMapping->select(mcColumn, 1);
   recordChanged();
 }
 
@@ -106,7 +112,7 @@ void TfEdImportFilters::recordChanged()
     loadFields();
   }
   text_ = ImportText(stored);
-  if (storedSchema != schema_ || memSchema->toPlainText() != shownLines(storedSchema)) {
+  if (storedSchema != schema_ || !showsText(*memSchema, storedSchema)) {
     schema_ = storedSchema;
     memSchema->setPlainText(shownLines(storedSchema));
   }
@@ -221,7 +227,7 @@ void TfEdImportFilters::CustomUpdateActionState()
 void TfEdImportFilters::showText(Source source)
 {
   const QScopedValueRollback<bool> showing(showing_, true);
-  if (source != Source::Memo && memText->toPlainText() != shownLines(text_.text())) {
+  if (source != Source::Memo && !showsText(*memText, text_.text())) {
     const int position = memText->textCursor().position();
     memText->setPlainText(shownLines(text_.text()));
     QTextCursor cursor = memText->textCursor();
@@ -317,7 +323,7 @@ void TfEdImportFilters::schemaEdited()
     return;
   }
   const QScopedValueRollback<bool> showing(showing_, true);
-  const QString written = storedImportText(memSchema->toPlainText());
+  const QString written = storedImportText(memSchema->document()->toRawText());
   if (attempt(memSchema, [&] { storeField(QStringLiteral("DPSchema"), written); })) {
     schema_ = written;
   } else {

@@ -70,6 +70,7 @@ struct ImportRun::Trying {
   QList<int> rows;             // of the master, then of each detail line with cells
   QList<int> placedRows;       // of the lines that are in the dataset
   qsizetype line = -1;         // the detail line that is being put; -1: the master
+  bool masterFailed = false;
   struct Missed {
     QStringList targets;
     ImportTrialFailure failure;
@@ -101,6 +102,7 @@ QString importOutcomeText(ImportTrialDocument::Outcome outcome)
 void ImportRun::noteFailure(const QString& field, const QString& value, const std::exception& failure)
 {
   QList<ImportTrialFailure>& failures = trying_->document.failures;
+  trying_->masterFailed = trying_->masterFailed || trying_->line < 0;
   // Its text was told before it was thrown.
   if (dynamic_cast<const SilentAbort*>(&failure)) {
     if (!failures.isEmpty() && failures.last().row == trying_->row()) {
@@ -154,6 +156,7 @@ void ImportRun::watch(ImportServices& services)
       missed.failure.row = rowNumber;
       missed.failure.field = lookedUpCaption(isMaster ? &master_ : detail_, missed.targets);
       trying_->document.failures.append(missed.failure);
+      trying_->masterFailed = trying_->masterFailed || (isMaster && missed.failure.fatal);
     }
     trying_->missed.clear();
   };
@@ -181,7 +184,7 @@ void ImportRun::tryDocument(bool failedToRead, const QString& readingError)
       for (qsizetype row = 0; detail_ && detail_->Active() && row < detail_->RecordCount(); ++row) {
         document.lines.append(recordTexts(*detail_, row));
       }
-      if (master_.IsEditing() && !trying_->isFailed(document.row)) {
+      if (master_.IsEditing() && !trying_->masterFailed) {
         master_.Post();
       }
     }
