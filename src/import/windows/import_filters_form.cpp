@@ -12,6 +12,7 @@
 #include "data/data_error.h"
 #include "forms/field_metadata.h"
 #include "forms/form_filters.h"
+#include "forms/form_rights.h"
 #include "forms/windows/form_server.h"
 #include "import/windows/import_filter_columns.h"
 #include "import/windows/import_lookup_dialog.h"

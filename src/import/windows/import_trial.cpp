@@ -8,6 +8,7 @@
 #include "import/windows/import_run.h"
 #include "registry/windows/form_registry.h"
 #include "session/dm.h"
+#include "session/error_log.h"
 #include "session/remembered_reads.h"
 #include "widgets/db_grid.h"
 
