@@ -3,6 +3,7 @@
 #include <QTableWidget>
 
 #include "import/windows/import_filters_form.h"
+#include "registry/windows/form_host.h"
 #include "session/error_log.h"
 #include "visits.h"
 #include "widgets/string_grid.h"

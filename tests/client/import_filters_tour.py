@@ -11,6 +11,7 @@ bin_dir = sys.argv[1]
 def contents(database):
     """Rows and the last used numbers, without what logging in and out writes."""
     with sqlite3.connect(database) as connection:
+        connection.create_collation("KALVOR", lambda a, b: (a.lower() > b.lower()) - (a.lower() < b.lower()))
         tables = [name for name, in connection.execute("SELECT name FROM sqlite_master WHERE type = 'table'")
                   if not name.lower().startswith(("srv_", "sqlite_", "s_usersettings"))]
         counts = {name: connection.execute(f'SELECT COUNT(*) FROM "{name}"').fetchone()[0] for name in tables}

@@ -205,7 +205,7 @@ class ImportFiltersFormTest : public QObject {
     RegisterFormClass(formClass<TfEdImportFilters>());
     openImportFiltersOf(contragentCard);
     auto* form = desk.last<TfEdImportFilters>();
-    QVERIFY(form);
+    QVERIFY2(form, qPrintable(desk.prompt.messages.join(u'\n')));
     QVERIFY(form->cdsMaster()->IsEmpty());
     form->InsertRecord();
     QCOMPARE(form->cdsMaster()->FieldByName(u"Form_Id")->AsInteger(), contragentCard);
