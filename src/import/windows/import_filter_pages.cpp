@@ -232,7 +232,7 @@ QWidget* TfEdImportFilters::buildMappingPage()
                         {QStringLiteral("Част"), QStringLiteral("Поле"), QStringLiteral("Име"), QStringLiteral("Колона"),
                          QStringLiteral("Във файла"), QStringLiteral("По подразбиране"), QStringLiteral("Ключ"),
                          QStringLiteral("Търсене"), QStringLiteral("Обхват")},
-                        {64, 150, 130, 56, 96, 110, 44, 210, 64});
+                        {78, 138, 104, 64, 88, 124, 46, 142, 64});
   grdMapping->OnGetEditor = [this](int column, int row) {
     using Kind = StringCellEditor::Kind;
     const bool isLookup = rows_.value(row - 1).isLookup;
