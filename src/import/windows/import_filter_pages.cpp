@@ -24,6 +24,7 @@ namespace kalvor {
 namespace {
 
 constexpr int filterListWidth = 270;
+constexpr int outcomeColumn = 2, firstHeadColumn = 5;  // of the documents of a trial
 constexpr int widestShownColumn = 240;
 constexpr int shownLineEndLength = 300;  // characters of a cell that are shown
 
@@ -134,6 +135,22 @@ QString sourceText(const ImportSample& sample)
   parts << QStringLiteral("колони: %1").arg(sample.columnCount)
         << (sample.moreRows ? QStringLiteral("първите %1 реда") : QStringLiteral("редове: %1")).arg(sample.rows.size());
   return parts.join(QStringLiteral("; "));
+}
+
+// A value that did not go in stands, marked, where it was to go: what the record holds there is something else.
+void markRefusals(QTableWidget& table, int row, const QStringList& captions, int firstColumn,
+                  const QList<ImportTrialFailure>& failures, const std::function<bool(const ImportTrialFailure&)>& isHere)
+{
+  for (const ImportTrialFailure& failure : failures) {
+    const int column = int(captions.indexOf(failure.field));
+    if (column < 0 || failure.field.isEmpty() || !isHere(failure)) {
+      continue;
+    }
+    QTableWidgetItem* item = table.item(row, firstColumn + column);
+    item->setText(failure.value);
+    item->setToolTip(failure.reason);
+    item->setBackground(theme().invalid);
+  }
 }
 
 }  // namespace
@@ -272,7 +289,7 @@ QWidget* TfEdImportFilters::buildOptionsPage()
 {
   grdOptions = textGrid("grdOptions", QStringLiteral("Настройки"),
                         {QStringLiteral("Настройка"), QStringLiteral("Име"), QStringLiteral("Стойност"), QStringLiteral("Пояснение")},
-                        {240, 150, 130, 380});
+                        {264, 172, 110, 244});
   const QList<ImportOption>& options = importOptions();
   grdOptions->table().SetRowCount(int(options.size()) + 1);
   for (int i = 0; i < options.size(); ++i) {
@@ -289,8 +306,13 @@ QWidget* TfEdImportFilters::buildOptionsPage()
                             values, {}};
   };
   grdOptions->OnEdited = [this](int, int row) { optionEdited(row); };
+  auto* hint = captionLabel(QString());
+  connect(grdOptions->selectionModel(), &QItemSelectionModel::currentChanged, this, [hint](const QModelIndex& current) {
+    const ImportOption option = importOptions().value(current.row());
+    hint->setText(option.caption + QStringLiteral(": ") + option.hint);
+  });
   grdOptions->select(ocValue, 1);
-  return page({grdOptions}, grdOptions, 0);
+  return page({grdOptions, hint}, grdOptions, 0);
 }
 
 QWidget* TfEdImportFilters::buildTextPage()
@@ -371,7 +393,7 @@ void TfEdImportFilters::showSample()
 
 void TfEdImportFilters::showTrial()
 {
-  QStringList titles{QStringLiteral("№"), QStringLiteral("Ред"), QStringLiteral("Какво ще стане"), QStringLiteral("Редове"),
+  QStringList titles{QStringLiteral("№"), QStringLiteral("От ред"), QStringLiteral("Какво ще стане"), QStringLiteral("Редове"),
                      QStringLiteral("Грешки")};
   titles += trial_.headCaptions;
   QList<QStringList> rows;
@@ -388,8 +410,10 @@ void TfEdImportFilters::showTrial()
   fillShownTable(*tblDocuments, titles, rows);
   for (int row = 0; row < rows.size(); ++row) {
     if (trial_.documents[row].outcome == ImportTrialDocument::Outcome::Failed) {
-      tblDocuments->item(row, 2)->setBackground(theme().invalid);
+      tblDocuments->item(row, outcomeColumn)->setBackground(theme().invalid);
     }
+    markRefusals(*tblDocuments, row, trial_.headCaptions, firstHeadColumn, trial_.documents[row].failures,
+                 [](const ImportTrialFailure& failure) { return !failure.inLine; });
   }
   QString said = QStringLiteral("Още не е правена проба. Тя нищо не записва.");
   if (!trial_.error.isEmpty()) {
@@ -413,7 +437,12 @@ void TfEdImportFilters::showTrialDocument(int index)
     const int row = document.lineRows.value(i);
     lines.append(QStringList{row > 0 ? QString::number(row) : QString()} + document.lines[i]);
   }
-  fillShownTable(*tblLines, QStringList{QStringLiteral("Ред")} + trial_.lineCaptions, lines);
+  fillShownTable(*tblLines, QStringList{QStringLiteral("От ред")} + trial_.lineCaptions, lines);
+  for (int i = 0; i < lines.size(); ++i) {
+    markRefusals(*tblLines, i, trial_.lineCaptions, 1, document.failures, [row = document.lineRows.value(i)](const ImportTrialFailure& failure) {
+      return failure.inLine && failure.row == row;
+    });
+  }
   QList<QStringList> failures;
   for (const ImportTrialFailure& failure : document.failures) {
     failures.append({failure.row > 0 ? QString::number(failure.row) : QString(),
@@ -421,7 +450,7 @@ void TfEdImportFilters::showTrialDocument(int index)
                      QString(failure.reason).remove(u'\r')});
   }
   fillShownTable(*tblFailures,
-                 {QStringLiteral("Ред"), QStringLiteral("Вид"), QStringLiteral("Поле"), QStringLiteral("Стойност"), QStringLiteral("Причина")},
+                 {QStringLiteral("От ред"), QStringLiteral("Вид"), QStringLiteral("Поле"), QStringLiteral("Стойност"), QStringLiteral("Причина")},
                  failures);
   tblFailures->horizontalHeader()->setStretchLastSection(true);
 }

@@ -225,7 +225,7 @@ void TfImportLookup::showLookup(const ImportLookupText& lookup)
     }
   }
   if (cbFallback->findData(lookup.fallback) < 0) {
-    cbFallback->addItem(QStringLiteral("номер %1 (няма такова)").arg(lookup.fallback), lookup.fallback);
+    cbFallback->addItem(QStringLiteral("резервно търсене %1 (не е описано)").arg(lookup.fallback), lookup.fallback);
   }
   cbFallback->setCurrentIndex(cbFallback->findData(lookup.fallback));
   grdConditions->table().SetRowCount(int(lookup.conditions.size()) + spareRows);

@@ -51,6 +51,21 @@ QStringList usedColumns(const TClientDataSet& dataSet, const QList<QStringList*>
   return captions;
 }
 
+// The fields that a lookup fills, first the one that takes what was looked for.
+QStringList knownTargets(const ImportLookup& lookup)
+{
+  QStringList targets = lookup.targetFields;
+  const QString asked = lookup.conditions.value(0).field.section(u'.', -1);
+  const QStringList sources = lookup.sourceFields.split(u',');
+  for (qsizetype i = 0; i < std::min(sources.size(), targets.size()); ++i) {
+    if (sources[i].trimmed().compare(asked, Qt::CaseInsensitive) == 0) {
+      targets.prepend(targets[i]);
+      break;
+    }
+  }
+  return targets;
+}
+
 // The field of a lookup that a person knows.
 QString lookedUpCaption(const TClientDataSet* dataSet, const QStringList& targets)
 {
@@ -111,12 +126,12 @@ void ImportRun::noteFailure(const QString& field, const QString& value, const st
       return;
     }
   }
-  failures.append({trying_->row(), field, value, errorText(failure), true});
+  failures.append({trying_->row(), field, value, errorText(failure), trying_->line >= 0, true});
 }
 
 void ImportRun::noteTold(const QString& text)
 {
-  trying_->document.failures.append({trying_->row(), QString(), QString(), QString(text).remove(u'\r'), false});
+  trying_->document.failures.append({trying_->row(), QString(), QString(), QString(text).remove(u'\r'), trying_->line >= 0, false});
 }
 
 // A line that fails is no reason not to look at the next one.
@@ -146,7 +161,8 @@ void ImportRun::watch(ImportServices& services)
   services.AddMessage = {};
   services.LookupFailed = [this, skips](const ImportLookup& lookup, const QString& reason, const QString& conditions) {
     const QString told = skips ? reason + QStringLiteral(" Редът се пропуска.") : reason;
-    trying_->missed.append({lookup.targetFields, {0, QString(), QString(conditions).replace(QStringLiteral("\r\n"), QStringLiteral(", ")), told, !skips}});
+    const QString asked = QString(conditions).replace(QStringLiteral("\r\n"), QStringLiteral(", "));
+    trying_->missed.append({knownTargets(lookup), {0, QString(), asked, told, false, !skips}});
   };
   services.LineRead = [this](const TImportLine& line, int rowNumber) {
     const bool isMaster = trying_->rows.isEmpty();
@@ -155,6 +171,7 @@ void ImportRun::watch(ImportServices& services)
     }
     for (Trying::Missed& missed : trying_->missed) {
       missed.failure.row = rowNumber;
+      missed.failure.inLine = !isMaster;
       missed.failure.field = lookedUpCaption(isMaster ? &master_ : detail_, missed.targets);
       trying_->document.failures.append(missed.failure);
       trying_->masterFailed = trying_->masterFailed || (isMaster && missed.failure.fatal);
@@ -169,7 +186,7 @@ void ImportRun::tryDocument(bool failedToRead, const QString& readingError)
   ImportTrialDocument& document = trying_->document;
   document.row = trying_->rows.value(0, std::max(0, reader_->rowCounter() - 1));
   if (failedToRead) {
-    document.failures.append({document.row, QString(), QString(), readingError.section(u'\n', 1).trimmed(), true});
+    document.failures.append({document.row, QString(), QString(), readingError.section(u'\n', 1).trimmed(), false, true});
     return;
   }
   document.moreLines = lines_.size() > mostTrialLines;

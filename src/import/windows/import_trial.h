@@ -11,6 +11,7 @@ struct ImportTrialFailure {
   QString field;       // its caption; empty: the whole record
   QString value;       // what did not go in; of a lookup its conditions
   QString reason;
+  bool inLine = false; // of a detail line, not of the head
   bool fatal = true;   // the document would not be imported; else a message on the way
 };
 
