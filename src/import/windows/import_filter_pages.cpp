@@ -46,6 +46,14 @@ QTableWidget* shownTable(const char* name, const QString& caption)
   return table;
 }
 
+void fitColumns(QTableWidget& table)
+{
+  table.resizeColumnsToContents();
+  for (int column = 0; column < table.columnCount(); ++column) {
+    table.setColumnWidth(column, std::min(table.columnWidth(column) + spacing::normal, widestShownColumn));
+  }
+}
+
 void fillShownTable(QTableWidget& table, const QStringList& titles, const QList<QStringList>& rows)
 {
   const QSignalBlocker quiet(&table);
@@ -61,10 +69,7 @@ void fillShownTable(QTableWidget& table, const QStringList& titles, const QList<
       table.setItem(row, column, item);
     }
   }
-  table.resizeColumnsToContents();
-  for (int column = 0; column < titles.size(); ++column) {
-    table.setColumnWidth(column, std::min(table.columnWidth(column) + spacing::normal, widestShownColumn));
-  }
+  fitColumns(table);
 }
 
 TStringGrid* textGrid(const char* name, const QString& caption, const QStringList& titles, const QList<int>& widths)
@@ -415,6 +420,7 @@ void TfEdImportFilters::showTrial()
     markRefusals(*tblDocuments, row, trial_.headCaptions, firstHeadColumn, trial_.documents[row].failures,
                  [](const ImportTrialFailure& failure) { return !failure.inLine; });
   }
+  fitColumns(*tblDocuments);
   QString said = QStringLiteral("Още не е правена проба. Тя нищо не записва.");
   if (!trial_.error.isEmpty()) {
     said = QString(trial_.error).remove(u'\r');
@@ -443,6 +449,7 @@ void TfEdImportFilters::showTrialDocument(int index)
       return failure.inLine && failure.row == row;
     });
   }
+  fitColumns(*tblLines);
   QList<QStringList> failures;
   for (const ImportTrialFailure& failure : document.failures) {
     failures.append({failure.row > 0 ? QString::number(failure.row) : QString(),
