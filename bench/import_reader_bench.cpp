@@ -1,9 +1,12 @@
-// A text file cut into import lines, without a server, against a bare loop over its lines.
+// A text file cut into import lines, without a server, against a bare loop over its lines; sheets with the same lines
+// against the text.
 #include <QTemporaryDir>
 #include <cstring>
 #include <string>
 
+#include "import/table_reader.h"
 #include "import/text_reader.h"
+#include "platform/spreadsheet_writer.h"
 #include "platform/text_encoding.h"
 #include "timing.h"
 
@@ -61,9 +64,10 @@ qint64 bareLines(const QString& fileName)
   return lines;
 }
 
+template <class Reader>
 qint64 cutLines(const QString& fileName, const TImportFilter& filter)
 {
-  TImportTxt reader(fileName, filter, {});
+  Reader reader(fileName, filter, {});
   qint64 lines = 0;
   TImportLine master;
   TImportSet details;
@@ -82,15 +86,59 @@ void measure(const char* what, const QString& fileName, const QByteArray& bytes,
     qFatal("cannot write the journal");
   file.close();
   const qint64 expected = qint64(invoiceCount) * linesOfInvoice;
-  if (cutLines(fileName, filter) != expected || bareLines(fileName) != expected)
+  if (cutLines<TImportTxt>(fileName, filter) != expected || bareLines(fileName) != expected)
     qFatal("lines are missing");
-  const double ours = medianMs(runs, [&] { cutLines(fileName, filter); });
+  const double ours = medianMs(runs, [&] { cutLines<TImportTxt>(fileName, filter); });
   const double bare = medianMs(runs, [&] { bareLines(fileName); });
   const double counting = medianMs(runs, [&] { TImportTxt(fileName, filter, {}).GetRecordCount(); });
   const double megabytes = double(bytes.size()) / 1e6;
   std::printf("%-34s %4.0f MB: cut %5.0f MB/s, count %5.0f MB/s, bare lines %6.0f MB/s, ratio %5.1f, %4.0f ns a line\n", what,
               megabytes, megabytes * 1000 / ours, megabytes * 1000 / counting, megabytes * 1000 / bare, ours / bare,
               ours * 1e6 / double(expected));
+}
+
+// The first lines of the journal as cells: numbers and dates typed.
+void writeSheet(const QString& fileName, const QStringList& lines)
+{
+  const auto sheet = SpreadsheetWriter::create(fileName);
+  sheet->startSheet(QStringLiteral("S"), QList<SheetColumn>(7));
+  sheet->addTitleRow({QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4"), QStringLiteral("5"),
+                      QStringLiteral("6"), QStringLiteral("7")}, SheetRowLook::Bold);
+  for (const QString& line : lines) {
+    const QStringList cells = line.split(u';');
+    sheet->beginRow();
+    sheet->integer(cells[0].toLongLong());
+    sheet->date(QDate::fromString(cells[1], QStringLiteral("dd.MM.yyyy")));
+    sheet->integer(cells[2].toLongLong());
+    sheet->text(cells[3]);
+    sheet->text(cells[4]);
+    sheet->integer(cells[5].toLongLong());
+    sheet->number(QString(cells[6]).replace(u',', u'.').toDouble());
+  }
+  sheet->commit();
+}
+
+void measureSheets(const QTemporaryDir& folder, const QString& journalText)
+{
+  constexpr int sheetLines = 100'000;
+  const QStringList lines = journalText.split(QStringLiteral("\r\n")).mid(0, sheetLines);
+  TImportFilter filter(1);
+  filter.LoadImportParams(QStringLiteral("[OPTIONS]NEW_DOCSEP=1##TXTFILE_SEP=SEMICOLON[##OPTIONS]") + wide);
+  const QString textName = folder.filePath(QStringLiteral("part.txt"));
+  QFile text(textName);
+  if (!text.open(QIODevice::WriteOnly) || text.write(toWindows1251(lines.join(QStringLiteral("\r\n")))) < 0)
+    qFatal("cannot write the journal");
+  text.close();
+  const double asText = medianMs(runs, [&] { cutLines<TImportTxt>(textName, filter); });
+  for (const char* name : {"part.xls", "part.xlsx"}) {
+    const QString fileName = folder.filePath(QLatin1StringView(name));
+    writeSheet(fileName, lines);
+    if (cutLines<TImportXLS>(fileName, filter) != sheetLines)
+      qFatal("lines are missing");
+    const double ours = medianMs(runs, [&] { cutLines<TImportXLS>(fileName, filter); });
+    std::printf("%-34s %7.0f rows/s of 7 columns, as text %9.0f rows/s, ratio %5.1f\n", name + 4, sheetLines * 1000 / ours,
+                sheetLines * 1000 / asText, ours / asText);
+  }
 }
 
 }  // namespace
@@ -106,5 +154,6 @@ int main()
   measure("UTF-8, 7 columns of 7", fileName, delimited.toUtf8(), "SEMICOLON", wide);
   measure("1251, fixed width, 7 columns", fileName, toWindows1251(fixed), "FIXEDLEN", wide);
   measure("UTF-8, fixed width, 7 columns", fileName, fixed.toUtf8(), "FIXEDLEN", wide);
+  measureSheets(folder, delimited);
   return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <QScopedValueRollback>
 
+#include "business/line_prices.h"
 #include "business/sale_header_changes.h"
 #include "business/sale_line_amounts.h"
 #include "business/sale_line_changes.h"
@@ -89,6 +90,39 @@ void SaleDocumentRules::attachHeader()
 SaleDocumentRules::Walk SaleDocumentRules::onLine(LineRule rule)
 {
   return [this, rule] { rule(header_, lines_, guard_); };
+}
+
+namespace {
+
+// The cells of an imported line as the fields will hold them; a cell that does not read gives no value.
+Variant cellOf(const TImportLine& line, QStringView name, DataType type, const TFormatSettings& settings)
+{
+  const auto cell = std::find_if(line.begin(), line.end(), [&](const TImportCell& one) {
+    return name.compare(one.FieldName, Qt::CaseInsensitive) == 0;
+  });
+  if (cell == line.end())
+    return {};
+  try {
+    return ParseAsFieldType(cell->Value, type, settings);
+  } catch (const DataError&) {
+    return {};
+  }
+}
+
+Variant textOf(const Variant& value) { return value.isNull() ? Variant() : Variant(value.toString().trimmed()); }
+
+}  // namespace
+
+void SaleDocumentRules::askPricesAhead(const TImportSet& lines, const TFormatSettings& settings) const
+{
+  QList<PricedLine> priced;
+  for (const TImportLine& line : lines) {
+    const auto text = [&](const char16_t* name) { return textOf(cellOf(line, name, DataType::WideString, settings)); };
+    const Variant quantity = cellOf(line, u"Quantity", DataType::Float, settings).toDouble();
+    const Variant type = cellOf(line, u"Type", DataType::LargeInt, settings).toLongLong();
+    priced.append({type, text(u"Code"), text(u"Measure_Id"), quantity, quantity, text(u"VATProdPostGroup_Id")});
+  }
+  AskLinePricesAhead(header_, priced);
 }
 
 void SaleDocumentRules::attachLines()

@@ -4,6 +4,7 @@
 
 #include "business/vat_totals.h"
 #include "forms/windows/field_rules.h"
+#include "registry/selector_values.h"
 
 namespace kalvor {
 
@@ -13,6 +14,9 @@ class SaleDocumentRules : private DataLink {
   void attachHeader();  // once each, when the dataset's fields are known
   void attachLines();
   void choicePut(TClientDataSet* dataSet) { rules_.runWaiting(dataSet); }
+
+  // Asks for the prices of an import's lines together.
+  void askPricesAhead(const TImportSet& lines, const TFormatSettings& settings) const;
 
   // The document's VAT by group, as its lines stand; a group's text is its code and its percent.
   const TVATTotals& totals() const { return totals_; }

@@ -39,6 +39,11 @@ void TfEdSaleInvoice::choicePut(TClientDataSet* dataSet)
   rules_.choicePut(dataSet);
 }
 
+void TfEdSaleInvoice::linesComing(const TImportSet& lines, const TFormatSettings& settings)
+{
+  rules_.askPricesAhead(lines, settings);
+}
+
 void TfEdSaleInvoice::documentPut()
 {
   rules_.refreshTotals();

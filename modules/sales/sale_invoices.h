@@ -35,6 +35,7 @@ class TfEdSaleInvoice : public TfBaseEditMasterDetail {
 
  protected:
   void choicePut(TClientDataSet* dataSet) override;
+  void linesComing(const TImportSet& lines, const TFormatSettings& settings) override;
   void documentPut() override;
   void CDS_OnNewRecord(TClientDataSet* dataSet) override;
 

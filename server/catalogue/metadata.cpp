@@ -115,6 +115,17 @@ QList<const StoredQuery*> Metadata::queriesOfForm(int formId) const
   return found;
 }
 
+QList<const StoredQuery*> Metadata::queriesOver(const TableInfo& table) const
+{
+  QList<const StoredQuery*> found;
+  for (const auto& candidate : queries_) {
+    if (candidate->base == &table && !candidate->keyField.isEmpty() && !broken_.contains(candidate->id)) {
+      found.append(candidate.get());
+    }
+  }
+  return found;
+}
+
 const FormDescription* Metadata::form(int formId, int dsIndex) const
 {
   for (const FormDescription& candidate : forms_) {

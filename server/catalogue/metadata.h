@@ -26,6 +26,7 @@ class KALVOR_SERVER Metadata {
   const StoredQuery* queryById(int id) const;
   QList<const StoredQuery*> queriesOfForm(int formId) const;   // by dataset index
   const FormDescription* form(int formId, int dsIndex) const;
+  QList<const StoredQuery*> queriesOver(const TableInfo& table) const;  // that write to it; by form and index
   QList<int> formsOver(const QString& baseTable) const;        // whose master is that table
 
  private:

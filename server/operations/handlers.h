@@ -22,6 +22,8 @@ Variant callDeleteDynamicProvider(CallContext& call);
 Variant callRequestData(CallContext& call);
 Variant callOpenProvider(CallContext& call);
 Variant callFetchRecords(CallContext& call);
+// read_many.cpp
+Variant callReadMany(CallContext& call);
 // request_value.cpp
 Variant callRequestValue(CallContext& call);
 // forms.cpp
@@ -34,6 +36,8 @@ Variant callUpdateClientData(CallContext& call);
 // user_settings.cpp
 Variant callUpdateUserSettings(CallContext& call);
 Variant callExecuteSqlScript(CallContext& call);
+// statement_batch.cpp
+Variant callExecMultySql(CallContext& call);
 // document_locks.cpp
 Variant callCheckOutDocument(CallContext& call);
 Variant callCheckInDocument(CallContext& call);

@@ -62,6 +62,9 @@ KALVOR_SERVER std::span<const Operation> operations();
 // Names match without regard to case; null when there is none.
 KALVOR_SERVER const Operation* findOperation(const QString& name);
 
+// Refuses arguments that are not of the operation's shapes; missing optional ones are null afterwards.
+void checkArguments(const Operation& operation, VariantArray& arguments);
+
 // Runs a call on a connection that suits the operation: checks log-in and shapes, fills in missing optional
 // arguments, opens the transaction of a writing call and answers a repeated request id. Throws RpcError for
 // everything that goes wrong; an unexpected failure is logged and carries its incident id.

@@ -41,8 +41,10 @@ const Operation table[] = {
     {"FetchRecords", RunsOn::Reader, CallRight::ReadForm, {text, any, whole}, callFetchRecords},
     {"RequestValue", RunsOn::Reader, CallRight::ReadTable,
      {whole, text, text, listOrNull, {Shape::Any, true}, flag}, callRequestValue},
+    {"ReadMany", RunsOn::Reader, CallRight::LoggedIn, {list, out}, callReadMany},
     {"UpdateClientData", RunsOn::Writer, CallRight::WriteForm, {list, {Shape::ListOrNull, false, true}},
      callUpdateClientData},
+    {"ExecMultySQL", RunsOn::Writer, CallRight::WriteForm, {text}, callExecMultySql},
     // Metadata.
     {"GetFormsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFormsDescription},
     {"GetFieldsDescription", RunsOn::Reader, CallRight::LoggedIn, {text, whole, out}, callGetFieldsDescription},

@@ -1,8 +1,8 @@
 #include "rpc/rpc_error.h"
 #include "server/client_sql/client_select.h"
 #include "server/client_sql/statement_template.h"
-#include "server/log.h"
 #include "server/operations/handlers.h"
+#include "server/operations/own_statements.h"
 #include "server/queries/filter_condition.h"
 #include "server/queries/order_terms.h"
 #include "server/rights/row_security.h"
@@ -59,12 +59,6 @@ std::optional<ValueRows> runProcedure(CallContext& call, const QString& statemen
     own.rows.append(Variant(VariantArray{call.session.userId, call.session.companyId, QString(), QString()}));
   }
   return own;
-}
-
-[[noreturn]] void refuseStatement(const CallContext& call, const QString& statement)
-{
-  logEvent(LogLevel::Warning, "statement_refused", {{"user", call.session.userId}, {"statement", withoutTexts(statement)}});
-  throw RpcError(RpcError::Refused, QStringLiteral("Заявката не е разрешена."));
 }
 
 ValueRows runSelect(CallContext& call, const std::optional<ClientSelect>& select, const FilterArray& filter, bool allRows)

@@ -32,6 +32,8 @@ bool fits(Shape shape, const Variant& value)
   return false;
 }
 
+}  // namespace
+
 void checkArguments(const Operation& operation, VariantArray& arguments)
 {
   const auto& parameters = operation.parameters;
@@ -45,6 +47,8 @@ void checkArguments(const Operation& operation, VariantArray& arguments)
   }
   arguments.resize(parameters.size());
 }
+
+namespace {
 
 // A user who is gone or was made inactive since he logged in.
 void requireActive(Connection& db, const Session& session)

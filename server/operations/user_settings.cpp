@@ -4,6 +4,7 @@
 #include "server/client_sql/statement_template.h"
 #include "server/log.h"
 #include "server/operations/handlers.h"
+#include "server/operations/own_statements.h"
 #include "server/queries/filter_values.h"
 #include "server/rights/row_security.h"
 
@@ -102,9 +103,8 @@ Variant callUpdateUserSettings(CallContext& call)
   return 0;
 }
 
-Variant callExecuteSqlScript(CallContext& call)
+std::optional<int> runOwnStatement(CallContext& call, const QString& statement)
 {
-  const QString statement = call.text(0);
   if (const auto values = matchTemplate(statement, settingsUpsert)) {
     if (!isOwn(call, values->value(QStringLiteral("user"))) ||
         values->value(QStringLiteral("company")) != call.session.companyId) {
@@ -116,8 +116,19 @@ Variant callExecuteSqlScript(CallContext& call)
   if (const auto values = matchTemplate(statement, printCounter)) {
     return countPrint(call, *values);
   }
+  return {};
+}
+
+void refuseStatement(const CallContext& call, const QString& statement)
+{
   logEvent(LogLevel::Warning, "statement_refused", {{"user", call.session.userId}, {"statement", withoutTexts(statement)}});
   throw RpcError(RpcError::Refused, QStringLiteral("Заявката не е разрешена."));
+}
+
+Variant callExecuteSqlScript(CallContext& call)
+{
+  const auto result = runOwnStatement(call, call.text(0));
+  return result ? *result : (refuseStatement(call, call.text(0)), 0);
 }
 
 }  // namespace kalvor::server

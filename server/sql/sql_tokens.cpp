@@ -74,12 +74,17 @@ std::optional<SqlToken> tokenAt(const QString& sql, qsizetype at)
 
 }  // namespace
 
-std::optional<QList<SqlToken>> tokenizeSql(const QString& sql)
+std::optional<QList<SqlToken>> tokenizeSql(const QString& sql, SqlText text)
 {
   QList<SqlToken> tokens;
   for (qsizetype at = 0; at < sql.size();) {
     const QChar c = sql.at(at);
     if (c == u' ' || c == u'\n' || c == u'\r' || c == u'\t') {
+      ++at;
+      continue;
+    }
+    if (c == u';' && text == SqlText::Batch) {
+      tokens.append({TokenKind::Symbol, QString(c), at, at + 1});
       ++at;
       continue;
     }

@@ -26,8 +26,12 @@ struct SqlToken {
   bool isName() const { return kind == TokenKind::Word || kind == TokenKind::QuotedName; }
 };
 
-// Nothing when the text holds what SQL of ours never does: an open quote or comment, a semicolon, a control character.
-KALVOR_SERVER std::optional<QList<SqlToken>> tokenizeSql(const QString& sql);
+// One statement, or several with semicolons between them, which are symbols then.
+enum class SqlText : quint8 { Statement, Batch };
+
+// Nothing when the text holds what SQL of ours never does: an open quote or comment, a control character, a semicolon
+// in a single statement.
+KALVOR_SERVER std::optional<QList<SqlToken>> tokenizeSql(const QString& sql, SqlText text = SqlText::Statement);
 
 // 'text' with its inner quotes doubled.
 KALVOR_SERVER QString quoted(const QString& text);

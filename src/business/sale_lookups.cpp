@@ -14,24 +14,31 @@ bool takesPrice(qint64 lineType)
   return std::find(std::begin(typesWithPrice), std::end(typesWithPrice), lineType) != std::end(typesWithPrice);
 }
 
-VariantArray priceRequest(const SaleRecords& r)
+VariantArray priceRequest(const TClientDataSet& header, const PricedLine& line)
 {
   constexpr int priceAndDiscount = 0, sale = 1;
+  const auto headerValue = [&](const char16_t* name) { return header.FieldByName(QStringView(name))->Value(); };
   return {priceAndDiscount,
           sale,
-          r.headerField(u"InvToContragent_ID")->Value(),
-          r.lineField(u"Code")->Value(),
-          r.lineField(u"Measure_Id")->Value(),
-          r.headerField(u"Currency_Id")->Value(),
-          r.headerField(u"VATBusPostGroup_Id")->Value(),
-          r.headerField(u"PriceIncludingVAT")->Value(),
-          r.headerField(u"N_SubDocument_Code")->Value(),
-          r.lineField(u"Quantity")->Value(),
-          r.headerField(u"DocumentDate")->Value(),
-          r.lineField(u"Quantity_Base")->Value(),
-          r.lineField(u"VATProdPostGroup_Id")->Value(),
-          r.headerField(u"CurrencyFactor")->Value(),
-          r.lineField(u"Type")->Value()};
+          headerValue(u"InvToContragent_ID"),
+          line.code,
+          line.measure,
+          headerValue(u"Currency_Id"),
+          headerValue(u"VATBusPostGroup_Id"),
+          headerValue(u"PriceIncludingVAT"),
+          headerValue(u"N_SubDocument_Code"),
+          line.quantity,
+          headerValue(u"DocumentDate"),
+          line.baseQuantity,
+          line.vatProductGroup,
+          headerValue(u"CurrencyFactor"),
+          line.type};
+}
+
+PricedLine pricedLine(const SaleRecords& r)
+{
+  return {r.lineField(u"Type")->Value(),     r.lineField(u"Code")->Value(),          r.lineField(u"Measure_Id")->Value(),
+          r.lineField(u"Quantity")->Value(), r.lineField(u"Quantity_Base")->Value(), r.lineField(u"VATProdPostGroup_Id")->Value()};
 }
 
 FilterRow equals(const char* field, const QString& value, const char* conjunction)
@@ -46,7 +53,7 @@ PriceLookup lookUpLinePrice(const SaleRecords& r, bool allowed, PricePer per)
   if (!allowed || !takesPrice(r.lineField(u"Type")->AsInteger()))
     return PriceLookup::NotDone;
   TItemParams params;
-  if (DM->GetItemPriceAndDiscount(priceRequest(r), params) != 0)
+  if (DM->GetItemPriceAndDiscount(priceRequest(*r.header, pricedLine(r)), params) != 0)
     return PriceLookup::Failed;
   if (params.priceAnswered) {
     r.set(u"AllowInvoiceDisc", params.allowInvoiceDisc);
@@ -61,6 +68,15 @@ PriceLookup lookUpLinePrice(const SaleRecords& r, bool allowed, PricePer per)
     r.set(u"OriginalDiscount", params.discount);
   }
   return PriceLookup::Done;
+}
+
+void AskLinePricesAhead(const TClientDataSet* header, const QList<PricedLine>& lines)
+{
+  QList<VariantArray> requests;
+  for (const PricedLine& line : lines)
+    if (takesPrice(line.type.toLongLong()))
+      requests.append(priceRequest(*header, line));
+  DM->AskSalePricesAhead(requests);
 }
 
 void VatSetupLookup::apply(const SaleRecords& r)

@@ -3,6 +3,7 @@
 
 #include <QHash>
 
+#include "business/line_prices.h"
 #include "business/sale_records.h"
 
 namespace kalvor {

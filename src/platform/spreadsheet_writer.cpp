@@ -4,6 +4,7 @@
 
 #include "data/data_error.h"
 #include "data/regional.h"
+#include "platform/continued_sheets.h"
 #include "platform/xls_writer.h"
 #include "platform/xlsx_writer.h"
 
@@ -13,28 +14,9 @@ namespace {
 
 constexpr qsizetype longestCellText = 32767;
 constexpr qint64 exactIntegers = 1'000'000'000'000'000;  // 15 digits
-constexpr qsizetype longestSheetName = 31;
 const QDate firstSheetDay(1900, 3, 1);  // the days before it are numbered as if 1900 were a leap year
 const QDate sheetDayZero(1899, 12, 30);
 constexpr double millisecondsOfDay = 86'400'000;
-
-// Of the n-th sheet of that name, from 1.
-QString sheetName(const QString& name, int number)
-{
-  static const QString forbidden = QStringLiteral("[]:*?/\\");
-  QString clean;
-  for (QChar c : name) {
-    if (!forbidden.contains(c) && c.unicode() >= u' ')
-      clean += c;
-  }
-  while (clean.startsWith(u'\''))
-    clean.remove(0, 1);
-  const QString suffix = number > 1 ? QStringLiteral(" (%1)").arg(number) : QString();
-  clean.truncate(longestSheetName - suffix.size());
-  while (clean.endsWith(u'\''))
-    clean.chop(1);
-  return (clean.isEmpty() ? QStringLiteral("Sheet") : clean) + suffix;
-}
 
 bool isSheetDay(QDate day)
 {
@@ -68,11 +50,12 @@ void SpreadsheetWriter::openSheet()
 {
   ++sheets_;
   row_ = -1;
-  writeSheet(sheetName(name_, sheets_), columns_);
+  writeSheet(continuedSheetName(name_, sheets_), columns_);
   for (const TitleRow& title : std::as_const(titles_)) {
     nextRow();
     for (const QString& cell : title.texts)
-      writeText(row_, nextColumn(), cell, title.look);
+      if (const int column = nextColumn(); !cell.isEmpty())
+        writeText(row_, column, cell, title.look);
   }
 }
 

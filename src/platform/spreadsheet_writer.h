@@ -54,6 +54,8 @@ class KALVOR_PLATFORM SpreadsheetWriter {
     int columns;
   };
   explicit SpreadsheetWriter(Limits limits) : limits_(limits) {}
+  // In writeSheet: the sheet before it is full, and says so even where its last row has no cells.
+  bool isFurtherSheet() const { return sheets_ > 1; }
 
   virtual void writeSheet(const QString& name, const QList<SheetColumn>& columns) = 0;
   virtual void writeText(int row, int column, QStringView value, SheetRowLook look) = 0;

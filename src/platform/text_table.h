@@ -12,7 +12,7 @@ namespace kalvor {
 // DataError.
 class KALVOR_PLATFORM TextTable {
  public:
-  static constexpr int mostRows = 1 << 20;
+  static constexpr int mostRows = 1 << 22;
   static constexpr int mostColumns = 1 << 14;
   static constexpr qsizetype mostCells = 16'000'000;
   static constexpr qsizetype mostCharacters = 256'000'000;

@@ -9,16 +9,18 @@
 #include "data/data_error.h"
 #include "platform/biff_record_reader.h"
 #include "platform/compound_file_reader.h"
+#include "platform/continued_sheets.h"
 
 namespace kalvor {
 namespace {
 
 constexpr qint64 mostXlsBytes = 256 << 20;
+constexpr quint32 rowsOfXlsSheet = 65'536;
 
 enum BiffType : quint16 {
   biffFormula = 0x0006, biffEof = 0x000A, biffDateMode = 0x0022, biffFilePass = 0x002F, biffCodePage = 0x0042,
   biffBoundSheet = 0x0085, biffMulRk = 0x00BD, biffRString = 0x00D6, biffXf = 0x00E0, biffSst = 0x00FC,
-  biffLabelSst = 0x00FD, biffNumber = 0x0203, biffLabel = 0x0204, biffBoolErr = 0x0205, biffString = 0x0207,
+  biffLabelSst = 0x00FD, biffDimension = 0x0200, biffNumber = 0x0203, biffLabel = 0x0204, biffBoolErr = 0x0205, biffString = 0x0207,
   biffRk = 0x027E, biffFormat = 0x041E, biffBof = 0x0809
 };
 
@@ -40,13 +42,24 @@ class XlsWorkbook {
   TextTable read()
   {
     readGlobals();
-    if (sheetOffset_ < 0)
+    if (sheets_.empty())
       throw DataError(QStringLiteral("Файлът не съдържа лист с данни."));
-    readSheet();
-    return table();
+    ContinuedSheets table;
+    size_t sheet = 0;
+    do {
+      readSheet(sheets_[sheet].offset);
+      takeCells(table);
+      ++sheet;
+    } while (sheet < sheets_.size() && rows_ == rowsOfXlsSheet &&
+             table.goesOn(rowsOfXlsSheet, sheets_.front().name, sheets_[sheet].name));
+    return table.take();
   }
 
  private:
+  struct Sheet {
+    qint64 offset;
+    QString name;
+  };
   struct Cell {
     quint32 place;  // the row and the column
     quint32 start, length;
@@ -90,8 +103,8 @@ class XlsWorkbook {
     constexpr quint8 worksheet = 0;  // no chart, no macros
     const quint32 offset = record.doubleWord();
     record.skip(1);
-    if (sheetOffset_ < 0 && record.byte() == worksheet && record.isWhole())
-      sheetOffset_ = offset;
+    if (record.byte() == worksheet && record.isWhole())
+      sheets_.push_back({offset, unicode_ ? record.unicodeText(1) : text5(record, 1)});
   }
 
   void readSharedTexts(BiffRecord& record)
@@ -117,12 +130,13 @@ class XlsWorkbook {
     return decoder.isValid() ? QString(decoder(bytes)) : fromWindows1251(bytes);
   }
 
-  void readSheet()
+  void readSheet(qint64 offset)
   {
-    BiffStream records(stream_, sheetOffset_);
+    BiffStream records(stream_, offset);
     BiffRecord record;
     if (!records.next(record) || record.type != biffBof)
       refuseXls();
+    rows_ = 0;
     // Charts that lie on the sheet are parts of their own inside it.
     for (int depth = 1; depth > 0;) {
       if (!records.next(record))
@@ -142,6 +156,11 @@ class XlsWorkbook {
       if (formulaPlace_ >= 0)
         add(quint32(formulaPlace_), unicode_ ? record.unicodeText(2) : text5(record, 2));
       formulaPlace_ = -1;
+      return;
+    }
+    if (record.type == biffDimension && unicode_) {
+      record.skip(4);
+      rows_ = std::max(rows_, record.doubleWord());
       return;
     }
     switch (record.type) {
@@ -225,22 +244,23 @@ class XlsWorkbook {
     if (qsizetype(cells_.size()) >= TextTable::mostCells ||
         characters_.size() + text.size() > TextTable::mostCharacters)
       refuseSize();
+    rows_ = std::max(rows_, (place >> 16) + 1);
     cells_.push_back({place, quint32(characters_.size()), quint32(text.size())});
     characters_ += text;
   }
 
   // Rows come in blocks of any order; of two cells in one place the later one counts.
-  TextTable table()
+  void takeCells(ContinuedSheets& table)
   {
     const auto before = [](const Cell& a, const Cell& b) { return a.place < b.place; };
     if (!std::is_sorted(cells_.begin(), cells_.end(), before))
       std::stable_sort(cells_.begin(), cells_.end(), before);
-    TextTable table;
     for (size_t i = 0; i < cells_.size(); ++i)
       if (const Cell& cell = cells_[i]; i + 1 == cells_.size() || cells_[i + 1].place != cell.place)
         table.append(int(cell.place >> 16), int(cell.place & 0xFFFF),
                      QStringView(characters_).sliced(cell.start, cell.length));
-    return table;
+    cells_.clear();
+    characters_.clear();
   }
 
   QByteArrayView stream_;
@@ -248,12 +268,13 @@ class XlsWorkbook {
   bool unicode_ = true;
   int codePage_ = 1251;
   CellEpoch epoch_ = CellEpoch::Year1900;
-  qint64 sheetOffset_ = -1;
+  std::vector<Sheet> sheets_;
   std::vector<quint16> styles_;  // number formats by style
   QHash<int, CellNumberKind> formats_;
   std::vector<QString> sharedTexts_;
-  std::vector<Cell> cells_;
+  std::vector<Cell> cells_;  // of the current sheet
   QString characters_;
+  quint32 rows_ = 0;
   qint64 formulaPlace_ = -1;  // of a formula whose text has not come yet
 };
 

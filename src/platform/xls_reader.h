@@ -1,4 +1,4 @@
-// The first sheet of a binary workbook (.xls).
+// The first sheet of a binary workbook (.xls), with those that continue it.
 #pragma once
 
 #include "platform/cell_text.h"

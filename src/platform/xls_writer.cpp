@@ -133,6 +133,8 @@ quint16 XlsWriter::formatOf(int column, CellFormat format, SheetRowLook look) co
 
 void XlsWriter::writeSheet(const QString& name, const QList<SheetColumn>& columns)
 {
+  if (isFurtherSheet())
+    sheets_.back().rows = xlsRows;
   sheets_.push_back({name, columns, {}, 0});
   columnLooks_.assign(size_t(columns.size()), 0);
   for (qsizetype i = 0; i < columns.size(); ++i)

@@ -4,10 +4,13 @@
 #include <algorithm>
 
 #include "data/data_error.h"
+#include "platform/continued_sheets.h"
 #include "platform/xlsx_workbook.h"
 
 namespace kalvor {
 namespace {
+
+constexpr int rowsOfXlsxSheet = 1 << 20;
 
 [[noreturn]] void refuseSheet(const QString& where)
 {
@@ -28,15 +31,28 @@ int columnOfReference(QStringView reference)
   return column - 1;
 }
 
-class XlsxSheet {
+class XlsxSheets {
  public:
-  XlsxSheet(const XlsxWorkbook& workbook, const CellTextFormat& format) : workbook_(workbook), format_(format) {}
+  XlsxSheets(const XlsxWorkbook& workbook, const CellTextFormat& format) : workbook_(workbook), format_(format) {}
 
   TextTable read(const ZipArchive& archive)
   {
-    const auto stream = archive.open(workbook_.sheetPart);
+    const QList<XlsxWorkbook::Sheet>& sheets = workbook_.sheets;
+    qsizetype sheet = 0;
+    do
+      readSheet(archive, sheets[sheet++].part);
+    while (sheet < sheets.size() && row_ == rowsOfXlsxSheet - 1 &&
+           table_.goesOn(rowsOfXlsxSheet, sheets.first().name, sheets[sheet].name));
+    return table_.take();
+  }
+
+ private:
+  void readSheet(const ZipArchive& archive, const QString& part)
+  {
+    const auto stream = archive.open(part);
     if (!stream)
       throw DataError(QStringLiteral("Файлът не съдържа лист с данни."));
+    row_ = -1;
     QXmlStreamReader xml(stream.get());
     while (nextXlsxElement(xml, *stream)) {
       if (xml.name() == u"row")
@@ -44,16 +60,14 @@ class XlsxSheet {
       else if (xml.name() == u"c")
         readCell(xml);
     }
-    return std::move(table_);
   }
 
- private:
   void startRow(const QXmlStreamReader& xml)
   {
     const QString number = xlsxAttribute(xml, u"r");
     row_ = number.isEmpty() ? row_ + 1 : number.toInt() - 1;
     column_ = -1;
-    if (row_ < 0 || row_ >= TextTable::mostRows)
+    if (row_ < 0 || row_ >= rowsOfXlsxSheet)
       refuseSheet(number);
   }
 
@@ -111,7 +125,7 @@ class XlsxSheet {
 
   const XlsxWorkbook& workbook_;
   const CellTextFormat& format_;
-  TextTable table_;
+  ContinuedSheets table_;
   int row_ = -1;
   int column_ = -1;
 };
@@ -122,7 +136,7 @@ TextTable readXlsx(const QString& fileName, const CellTextFormat& format)
 {
   const ZipArchive archive(fileName);
   const XlsxWorkbook workbook = readXlsxWorkbook(archive);
-  return XlsxSheet(workbook, format).read(archive);
+  return XlsxSheets(workbook, format).read(archive);
 }
 
 }  // namespace kalvor

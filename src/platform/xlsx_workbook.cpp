@@ -58,11 +58,11 @@ void readSheets(const ZipArchive& archive, const QString& part, const QHash<QStr
   while (nextXlsxElement(xml, *stream)) {
     if (xml.name() == u"workbookPr" && isXlsxTrue(xlsxAttribute(xml, u"date1904")))
       workbook.epoch = CellEpoch::Year1904;
-    if (xml.name() != u"sheet" || !workbook.sheetPart.isEmpty())
+    if (xml.name() != u"sheet" || workbook.sheets.size() >= ZipArchive::mostParts)
       continue;
     const XlsxRelation relation = relations.value(xlsxAttribute(xml, u"id"));
     if (relation.type == u"worksheet")  // no chart sheet
-      workbook.sheetPart = relation.part;
+      workbook.sheets.append({xlsxAttribute(xml, u"name"), relation.part});
   }
 }
 
@@ -184,7 +184,7 @@ XlsxWorkbook readXlsxWorkbook(const ZipArchive& archive)
   const QString part = relatedPart(readRelations(archive, {}), u"officeDocument");
   const QHash<QString, XlsxRelation> relations = readRelations(archive, part);
   readSheets(archive, part, relations, workbook);
-  if (workbook.sheetPart.isEmpty())
+  if (workbook.sheets.isEmpty())
     throw DataError(QStringLiteral("Файлът не съдържа лист с данни."));
   readSharedTexts(archive, relatedPart(relations, u"sharedStrings"), workbook);
   readStyles(archive, relatedPart(relations, u"styles"), workbook);

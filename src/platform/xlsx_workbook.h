@@ -1,4 +1,4 @@
-// What stands around the cells of an Office Open XML workbook: where the first sheet is, the shared texts, the number
+// What stands around the cells of an Office Open XML workbook: where the sheets are, the shared texts, the number
 // formats.
 #pragma once
 
@@ -13,8 +13,11 @@ class QXmlStreamReader;
 namespace kalvor {
 
 struct XlsxWorkbook {
-  QString sheetPart;
-  QString sharedTextPart;  // empty: there are none
+  struct Sheet {
+    QString name;
+    QString part;
+  };
+  QList<Sheet> sheets;    // with cells, at least one
   CellEpoch epoch = CellEpoch::Year1900;
   QStringList sharedTexts;
   std::vector<CellNumberKind> styles;  // by the style number of a cell

@@ -1,22 +1,19 @@
-// Spreadsheet files as zipped XML, by libxlsxwriter, a row at a time.
+// Spreadsheet files as zipped XML (ECMA-376), written as a stream: the rows go from a buffer through the packer into
+// the file, so that memory does not grow with them. Texts stand in their cells.
 #pragma once
 
 #include <QTemporaryFile>
-#include <array>
+#include <string>
 #include <vector>
 
 #include "platform/spreadsheet_writer.h"
-
-struct lxw_workbook;
-struct lxw_worksheet;
-struct lxw_format;
+#include "platform/zip_writer.h"
 
 namespace kalvor {
 
 class XlsxWriter final : public SpreadsheetWriter {
  public:
   explicit XlsxWriter(const QString& fileName);
-  ~XlsxWriter() override;
 
  protected:
   void writeSheet(const QString& name, const QList<SheetColumn>& columns) override;
@@ -26,23 +23,25 @@ class XlsxWriter final : public SpreadsheetWriter {
   void finish() override;
 
  private:
-  void check(int error) const;
   [[noreturn]] void fail(const QString& reason) const;
-  void checkRowsWritten() const;
-  void checkComplete() const;
-  lxw_format* formatOf(int column, CellFormat format, SheetRowLook look) const;
-  lxw_format* numberFormat(const QString& picture);
+  void check(bool written) const;
+  int styleOf(int column, CellFormat format, SheetRowLook look) const;
+  void openRowElement(int row);
+  char* beginCell(int row, int column, int style);
+  void endSheet();
+  void flush();
 
   QString target_;
   QTemporaryFile file_;
-  QByteArray path_;
-  lxw_workbook* workbook_ = nullptr;
-  lxw_worksheet* sheet_ = nullptr;
-  std::vector<lxw_worksheet*> sheets_;
-  std::array<lxw_format*, 4> looks_{};
-  std::array<lxw_format*, 3> dates_{};
-  std::vector<lxw_format*> columnFormats_;
-  std::string utf8_;
+  ZipWriter archive_;
+  QStringList sheetNames_;
+  QStringList numberPictures_;
+  std::vector<int> columnStyles_;      // of real numbers; 0 = none of their own
+  std::vector<std::string> columnNames_;
+  std::vector<char> buffer_;
+  size_t used_ = 0;
+  int openRow_ = -1;  // whose element is open; -1 = none
+  std::string rowNumber_;
 };
 
 }  // namespace kalvor

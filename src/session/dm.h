@@ -93,6 +93,8 @@ class KALVOR_RULES TDM : public QObject {
   // asks for its discount too. 0 after the look-up, whatever it found; -1 after an error, which is logged, and what
   // was stored before it stays.
   int GetItemPriceAndDiscount(const Variant& request, TItemParams& params);
+  // The same requests, of sales, will follow one by one: while reads are remembered they go to the server together.
+  void AskSalePricesAhead(const QList<VariantArray>& requests);
   // Local currency for one unit of the currency on that day; 0 when there is no rate or the server cannot say.
   double GetCurrencyRate(const QString& currency, QDate date, int kind);
 

@@ -1,6 +1,9 @@
 // Prices, discounts and rates: the server decides them, the session routes the question and takes the answers.
+#include <span>
+
 #include "session/dm.h"
 #include "session/error_log.h"
+#include "session/remembered_reads.h"
 
 namespace kalvor {
 namespace {
@@ -19,6 +22,17 @@ struct Answer {
   int status;
   VariantArray values;
 };
+
+VariantArray questionOf(const VariantArray& request, std::span<const int> positions, int outputs)
+{
+  VariantArray sent;
+  for (const int position : positions)
+    sent.append(request.value(position));
+  VariantArray arguments{Variant(sent)};
+  for (int i = 0; i < outputs; ++i)
+    arguments.append(0.0);
+  return arguments;
+}
 
 class PriceQuestions {
  public:
@@ -71,12 +85,7 @@ class PriceQuestions {
   template <size_t count>
   Answer ask(const char* operation, const int (&positions)[count], int outputs) const
   {
-    VariantArray sent;
-    for (const int position : positions)
-      sent.append(request_.value(position));
-    VariantArray arguments{Variant(sent)};
-    for (int i = 0; i < outputs; ++i)
-      arguments.append(0.0);
+    VariantArray arguments = questionOf(request_, positions, outputs);
     const int status = calls_.Call(QString::fromLatin1(operation), arguments).toInt();
     return {status, arguments.mid(1)};
   }
@@ -140,6 +149,16 @@ int TDM::GetItemPriceAndDiscount(const Variant& request, TItemParams& params)
     }
   });
   return done ? 0 : -1;
+}
+
+void TDM::AskSalePricesAhead(const QList<VariantArray>& requests)
+{
+  QList<ReadQuestion> questions;
+  for (const VariantArray& request : requests) {
+    questions.append({QStringLiteral("GetSaleLinePrice"), questionOf(request, pricePositions, 2)});
+    questions.append({QStringLiteral("GetSaleLineDiscount"), questionOf(request, saleDiscountPositions, 2)});
+  }
+  loggingErrors(QStringLiteral("DM.AskSalePricesAhead"), [&] { RememberedReadsScope::askAhead(*this, questions); });
 }
 
 double TDM::GetCurrencyRate(const QString& currency, QDate date, int kind)

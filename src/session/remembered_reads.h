@@ -10,6 +10,11 @@ namespace kalvor {
 
 class TDM;
 
+struct ReadQuestion {
+  QString operation;
+  VariantArray arguments;
+};
+
 // The session's calls go through one of these while a RememberedReadsScope lives. Everything that is not among the
 // reads goes on to the server as it is.
 class RememberedReads : public RemoteCalls {
@@ -18,6 +23,8 @@ class RememberedReads : public RemoteCalls {
   void forgetAll();
   // What was not found may be there after a save.
   void forgetMisses();
+  // Asks the server in one call for what is not known yet. What it has no answer for is asked again when it is needed.
+  void askAhead(const QList<ReadQuestion>& questions);
 
   void Connect() override { server_->Connect(); }
   void Disconnect() override { server_->Disconnect(); }
@@ -33,6 +40,7 @@ class RememberedReads : public RemoteCalls {
     Variant result;
     VariantArray arguments;
   };
+  void remember(const QByteArray& key, const QString& operation, const Answer& answer);
   static bool mayRemember(const QString& operation, const VariantArray& arguments);
 
   RemoteCalls* server_ = nullptr;
@@ -47,6 +55,8 @@ class KALVOR_RULES RememberedReadsScope {
   RememberedReadsScope& operator=(const RememberedReadsScope&) = delete;
 
   void forgetMisses();
+  // What will be asked one by one soon. Nothing happens while no scope lives.
+  static void askAhead(const TDM& session, const QList<ReadQuestion>& questions);
 
  private:
   TDM& session_;

@@ -225,6 +225,22 @@ class ExportTextTest : public QObject {
     QCOMPARE(desk.read(name), replaces ? QByteArray("old") : QByteArray());
   }
 
+  // Whatever of its end does not fit, no file stays that looks complete.
+  void workbookWithoutItsEnd()
+  {
+    ExportDesk desk;
+    const QString path = desk.path(u"a.xlsx"_s);
+    const auto exportTo = [&] { CommonExportToXLS(&desk.master, nullptr, allCaptions, {}, path, u"S"_s); };
+    exportTo();
+    const qint64 size = QFileInfo(path).size();
+    QVERIFY(size > 1000 && QFile::remove(path));
+    for (qint64 missing = 1; missing < size; missing += 29) {
+      const SmallDisk disk(rlim_t(size - missing));
+      exportTo();
+      QCOMPARE(desk.fileNames(), QStringList());
+    }
+  }
+
   void dosCodePage()
   {
     for (int code = 0; code < 256; ++code) {

@@ -48,6 +48,31 @@ class WrittenSheetsTest : public QObject {
       QCOMPARE(table.text(row + 1, 5).toString(), row % 3 == 0 ? "1" : "0");
     }
   }
+
+  // Texts that a file of XML or of bytes has to write otherwise than they are.
+  void edgeTexts_data() { readsBackWhatWasWritten_data(); }
+  void edgeTexts()
+  {
+    QFETCH(QString, name);
+    const QStringList texts{" blank ", "\tтаб", "два\nреда", "CR\rLF\r\n", "_x0041_", "_x005F_x0041_", "_x00", "a\u0001b\u001F", "]]>",
+                            "&amp;<b>\"'", QString::fromUcs4(U"\U0001F600€\u07FF\u0800"), QString(32'767, u'\u0002')};
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(name);
+    const auto writer = SpreadsheetWriter::create(file);
+    writer->startSheet("S", QList<SheetColumn>(2));
+    for (const QString& text : texts) {
+      writer->beginRow();
+      writer->text(text);
+      writer->text(QString(QChar(0xD83D)) + u'x');  // half a character
+    }
+    writer->commit();
+    const TextTable table = readSpreadsheet(file, {});
+    QCOMPARE(table.rowCount(), texts.size());
+    for (int row = 0; row < texts.size(); ++row) {
+      QCOMPARE(table.text(row, 0).toString(), texts[row]);
+      QVERIFY(table.text(row, 1).endsWith(u'x'));
+    }
+  }
 };
 
 static const testing::RegisterTest<WrittenSheetsTest> registered;

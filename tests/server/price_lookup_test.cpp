@@ -345,6 +345,32 @@ class PriceLookupTest : public QObject {
     QCOMPARE(ask(callers_->guest, "GetSaleLinePrice", Line{}.forPrice()).first, 10.0);
   }
 
+  void manyAtOnce()
+  {
+    const auto question = [](const char* operation, const Variant& request) {
+      return Variant(VariantArray{QString::fromLatin1(operation), Variant(VariantArray{request, 0.0, 0.0})});
+    };
+    const VariantArray price = Line{}.forPrice();
+    const VariantArray discount = Line{}.forSaleDiscount();
+    VariantArray arguments{Variant(VariantArray{question("GetSaleLinePrice", price), question("GetSaleLinePrice", price.first(3)),
+                                                question("UpdateClientData", VariantArray()), question("ReadMany", VariantArray()),
+                                                QStringLiteral("nonsense"), question("getsalelinediscount", discount)}),
+                           Variant()};
+    QCOMPARE(callers_->clerk.broker.Call(QStringLiteral("ReadMany"), arguments).toInt(), 6);
+    const VariantArray answers = arguments[1].toList();
+    const auto answered = [&](int index) { return answers[index].toList(); };
+    const Answer alone = ask(callers_->clerk, "GetSaleLinePrice", price);
+    QCOMPARE(answered(0)[0].toInt(), alone.status);
+    QCOMPARE(answered(0)[1].toList().value(1).toDouble(), alone.first);
+    QCOMPARE(answered(5)[1].toList().value(1).toDouble(), ask(callers_->clerk, "GetSaleLineDiscount", discount).first);
+    for (const int refused : {1, 2, 3, 4}) {
+      QVERIFY2(isNull(answers[refused]), qPrintable(QString::number(refused)));
+    }
+    VariantArray tooMany{Variant(VariantArray(1001, question("GetSaleLinePrice", price))), Variant()};
+    QCOMPARE(Caller::refusal([&] { callers_->clerk.broker.Call(QStringLiteral("ReadMany"), tooMany); }),
+             int(RpcError::BadArguments));
+  }
+
   void hostileTexts_data()
   {
     QTest::addColumn<QString>("text");

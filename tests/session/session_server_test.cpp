@@ -1,6 +1,7 @@
 // The session against the real server with the demo company, over a socket.
 #include <QTest>
 
+#include "common/xml_exchange.h"
 #include "platform/system.h"
 #include "scratch_documents.h"
 #include "scripted_ports.h"
@@ -154,6 +155,38 @@ class SessionServerTest : public QObject {
     QStringList lines;
     GetNodeFromXml(*again.dm.userSettingsDocument(), u"IniOptions"_s, lines);
     QCOMPARE(lines, QStringList{"Grids=-1"});
+  }
+
+  // Of a packet's statement batches each is carried out whole or leaves nothing.
+  void statementsOfAPacket()
+  {
+    Desk desk(*server_, documents_);
+    desk.logIn(u"SUPERVSR"_s);
+    TClientDataSet packet, target;
+    const auto field = [](const QString& name, DataType type) {
+      FieldDef def;
+      def.name = name;
+      def.type = type;
+      return def;
+    };
+    packet.CreateDataSet({field(u"ADDITIONALDATA"_s, DataType::WideMemo)});
+    packet.AppendRecord({u"INSERT INTO N_Measure (Id, Code, Name) VALUES ('M1', 'м1', 'Мярка''1');\n"
+                         "UPDATE N_Measure SET Decimals = 2 WHERE Id = 'M1'"_s});
+    packet.AppendRecord({u"INSERT INTO N_Measure (Id, Code, Name) VALUES ('M2', 'м2', 'Мярка 2'); DROP TABLE N_Measure"_s});
+    packet.AppendRecord({u"UPDATE N_Measure SET Name = 'Друга' WHERE Code = 'м1'"_s});
+    const QTemporaryDir folder;
+    packet.SaveToFile(folder.filePath(u"a.xml"_s));
+    target.CreateDataSet({field(u"Note"_s, DataType::Integer)});
+    target.AppendRecord({1});
+    target.MergeChangeLog();
+    target.SetRemoteServer(desk.dm.ConBroker);
+    QVERIFY(ImportFromXML(&target, folder.filePath(u"a.xml"_s), false));
+    VariantArray query{0, u"N_Measure"_s, u"Code,Name,Decimals"_s, filterToVariant({{u"N_Measure.Id"_s, u"LIKE"_s, u"M%"_s, {}, {}}}),
+                       Variant(), true};
+    QCOMPARE(desk.dm.ConBroker->Call(u"RequestValue"_s, query).toInt(), 1);
+    const VariantArray row = query[4].toList().value(0).toList();
+    QCOMPARE(row, (VariantArray{u"м1"_s, u"Друга"_s, 2LL}));
+    QVERIFY2(errors().contains(u"Команда 2: Заявката не е разрешена."_s), qPrintable(errors()));
   }
 
   // Somebody who never saved anything has no row; both ways of saving make one.

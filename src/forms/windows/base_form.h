@@ -257,6 +257,8 @@ class BASE_PACKAGE TfBase : public QWidget, public IBaseIntf {
   virtual QString detailKeyField(int dsIndex) const;
   // A lookup's choice is in the record, all its values; meanwhile isPuttingChoice() was true.
   virtual void choicePut(TClientDataSet* dataSet);
+  // An import is about to put these lines under the master record; what their rules will ask can be asked at once.
+  virtual void linesComing(const TImportSet& lines, const TFormatSettings& settings);
   // An import has put a document with all its lines into the datasets, and is about to save it: what hangs on the lines
   // together is brought up to date once. Meanwhile isImporting() is true.
   virtual void documentPut();

@@ -60,6 +60,8 @@ bool TfBase::isFillingDefaults() const { return d->parsingDefaults > 0; }
 bool TfBase::isPuttingChoice() const { return d->selectors.isPuttingChoice(); }
 void TfBase::choicePut(TClientDataSet*) {}
 
+void TfBase::linesComing(const TImportSet&, const TFormatSettings&) {}
+
 void TfBase::documentPut() {}
 
 // --- Selectors of fields ---------------------------------------------------------------------------------------

@@ -13,7 +13,7 @@ bool FieldRules::attach(TClientDataSet* dataSet, const QList<FieldRule>& rules)
     if (!field) {
       continue;
     }
-    field->OnChange = [this, dataSet, name = rule.field.toLower(), previous = field->OnChange](TField* changedField) {
+    field->OnChange = [this, dataSet, name = rule.field, previous = field->OnChange](TField* changedField) {
       if (previous) {
         previous(changedField);
       }
@@ -28,9 +28,9 @@ void FieldRules::changed(const TClientDataSet* dataSet, const QString& name)
   if (form_.isFillingDefaults()) {
     return;
   }
-  QSet<QString>& waiting = tables_[dataSet].waiting;
+  QStringList& waiting = tables_[dataSet].waiting;
   if (form_.isPuttingChoice()) {
-    waiting.insert(name);
+    waiting.append(name);
     return;
   }
   waiting = {name};  // what a refused choice left behind does not count
@@ -43,8 +43,8 @@ void FieldRules::runWaiting(const TClientDataSet* dataSet)
   if (table == tables_.end()) {
     return;
   }
-  const QSet<QString> fields = std::exchange(table->waiting, {});
-  const auto other = [&fields](QStringView name) { return fields.contains(name.toString().toLower()); };
+  const QStringList fields = std::exchange(table->waiting, {});
+  const FieldRule::Others other = [&fields](QStringView name) { return fields.contains(name, Qt::CaseInsensitive); };
   const QList<FieldRule> rules = table->rules;
   for (const FieldRule& rule : rules) {
     if (other(rule.field)) {

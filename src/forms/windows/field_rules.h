@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QObject>
-#include <QSet>
 
 #include "forms/windows/base_form.h"
 
@@ -29,7 +28,7 @@ class BASE_PACKAGE FieldRules {
  private:
   struct Table {
     QList<FieldRule> rules;
-    QSet<QString> waiting;  // lower-case field names
+    QStringList waiting;  // the changed fields, few
   };
   void changed(const TClientDataSet* dataSet, const QString& name);
 

@@ -250,6 +250,7 @@ void ImportRun::putCells(TClientDataSet& dataSet, const TImportLine& line)
 
 void ImportRun::putLines()
 {
+  form_.linesComing(lines_, settings_);
   for (qsizetype index = 0; index < lines_.size(); ++index) {
     if (detail_->IsEditing()) {
       detail_->Post();
