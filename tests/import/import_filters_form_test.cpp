@@ -191,6 +191,11 @@ class ImportFiltersFormTest : public QObject {
     {
       Desk guest(QStringLiteral("GUEST"));
       QVERIFY(tried(contragents.arg(0).arg(QString()), file.path).error.contains(QStringLiteral("Забранено е добавянето")));
+      RegisterFormClass(formClass<TfEdImportFilters>());
+      QVERIFY(!mayOpenImportFilters());
+      openImportFiltersOf(contragentCard);
+      QVERIFY(!guest.last<TfEdImportFilters>());
+      QCOMPARE(guest.prompt.messages.size(), 1);
     }
     Desk desk;
     QVERIFY(!tried(contragents.arg(0).arg(QString()), file.path + QStringLiteral(".none")).error.isEmpty());

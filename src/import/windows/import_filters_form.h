@@ -19,7 +19,7 @@ namespace kalvor {
 
 class TStringGrid;
 
-inline constexpr int importFiltersForm = 256;
+inline constexpr int importFiltersForm = 211;
 
 // The text of the current record is the only copy of the filter: every page reads it and writes it.
 class BASE_PACKAGE TfEdImportFilters : public TfBaseEditGrid {
