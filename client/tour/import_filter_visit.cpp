@@ -59,6 +59,18 @@ void visitImportFilters(TourDriver& driver)
   driver.expect("its columns are shown", [] { return !TourDriver::dialog() && filtersForm() && filtersForm()->tblSample->columnCount() == 8; });
   driver.picture("import-filters-fields");
   driver.step("to the fields", {}, [&driver] { driver.key(Qt::Key_F4); });
+  driver.step("a column for the first field", [] { return TourDriver::focus()->objectName() == u"grdMapping"; }, [&driver] {
+    driver.type(QStringLiteral("7"));
+    driver.key(Qt::Key_Return);
+    driver.key(Qt::Key_Right);
+    driver.key(Qt::Key_Right);
+    driver.type(QStringLiteral("ФАК"));
+    driver.key(Qt::Key_Return);
+  });
+  driver.expect("the text has it", [] {
+    return filtersForm() && filtersForm()->filterText().text().contains(QStringLiteral("7=1|0|N_SubDocument_Code||ФАК"));
+  });
+  driver.picture("import-filters-mapped");
   driver.step("a lookup", [] { return TourDriver::focus()->objectName() == u"grdMapping"; }, [&driver] {
     auto* grid = qobject_cast<TStringGrid*>(TourDriver::focus());
     driver.key(Qt::Key_Home, Qt::ControlModifier);
