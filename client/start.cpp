@@ -3,6 +3,7 @@
 #include "client_host.h"
 #include "main_window.h"
 #include "message_prompt.h"
+#include "import/windows/import_filters_form.h"
 #include "import/windows/xml_transfer.h"
 #include "registry/windows/form_registry.h"
 #include "session/dm.h"
@@ -142,6 +143,7 @@ int runClient(QApplication& application, const ClientArguments& arguments)
       loadIniOptions(session);
       RegisterFormClass(formClass<TfSettings>());
       RegisterFormClass(formClass<TfChangePass>());
+      RegisterFormClass(formClass<TfEdImportFilters>());
       MainWindow window;
       BuildDynamicFormMenu(window.menuBar(), allowedModules);
       window.fillFormMenu();
