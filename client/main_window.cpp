@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "global_actions.h"
+#include "import/windows/import_filters_form.h"
 #include "registry/windows/form_registry.h"
 #include "session/dm.h"
 #include "session/local_data.h"
@@ -135,6 +136,11 @@ void MainWindow::createActions()
       bar->addSeparator();
     }
     menu->addAction(action);
+    if (action->objectName() == u"acImport") {
+      importFilters_ = menu->addAction(QStringLiteral("Филтри за импорт…"), QKeySequence(QStringLiteral("Ctrl+Shift+I")), this,
+                                       [] { openImportFilters(activeFormWidget()); });
+      importFilters_->setObjectName(QStringLiteral("acImportFilters"));
+    }
     if (row.inToolBar)
       bar->addAction(action);
     actions_.insert(QLatin1String(row.stateName), action);
@@ -257,6 +263,7 @@ QList<MainWindow::FormEntry> MainWindow::readableForms() const
 
 void MainWindow::fillFormMenu()
 {
+  importFilters_->setEnabled(mayOpenImportFilters());
   formsMenu_->clear();
   navigator_->clear();
   QHash<QString, QMenu*> menus;

@@ -61,6 +61,7 @@ class MainWindow : public QMainWindow, public IMainFormIntf, public FormHost {
   QTabBar* windowTabs_ = nullptr;
   QTreeWidget* navigator_ = nullptr;
   QHash<QString, QAction*> actions_;  // by state name
+  QAction* importFilters_ = nullptr;          // to the filters of the form in front
   QMenu* recordMenu_ = nullptr;
   QMenu* viewMenu_ = nullptr;
   QMenu* editMenu_ = nullptr;

@@ -17,7 +17,8 @@ constexpr qint64 largestFile = 1024 * 1024;
 
 enum class SettingKind : quint8 {
   Text,
-  Port,  // 0 to 65535
+  Port,   // 0 to 65535
+  Count,  // 1 or more
   Flag   // yes or no
 };
 
@@ -33,6 +34,12 @@ constexpr Setting settings[] = {
     {"bind", SettingKind::Text, "KALVOR_BIND"},
     {"port", SettingKind::Port, "KALVOR_PORT"},
     {"plaintext", SettingKind::Flag, "KALVOR_PLAINTEXT"},
+    {"tls", SettingKind::Flag, "KALVOR_TLS"},
+    {"tls-dir", SettingKind::Text, "KALVOR_TLS_DIR"},
+    {"certificate", SettingKind::Text, "KALVOR_CERTIFICATE"},
+    {"key", SettingKind::Text, "KALVOR_KEY"},
+    {"idle-hours", SettingKind::Count, "KALVOR_IDLE_HOURS"},
+    {"session-days", SettingKind::Count, "KALVOR_SESSION_DAYS"},
     {"metrics-port", SettingKind::Port, "KALVOR_METRICS_PORT"},
 };
 
@@ -57,12 +64,13 @@ QString checkedValue(const Setting& setting, const QString& text, const QString&
       std::any_of(text.begin(), text.end(), [](QChar c) { return c.category() == QChar::Other_Control; })) {
     refuse(QStringLiteral("стойност"));
   }
-  if (setting.kind == SettingKind::Port) {
+  if (setting.kind == SettingKind::Port || setting.kind == SettingKind::Count) {
     const bool digits = std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
     bool ok = false;
-    const int port = text.toInt(&ok);
-    if (!digits || !ok || port > 65535) {
-      refuse(QStringLiteral("число от 0 до 65535"));
+    const int number = text.toInt(&ok);
+    const bool port = setting.kind == SettingKind::Port;
+    if (!digits || !ok || (port ? number > 65535 : number < 1)) {
+      refuse(port ? QStringLiteral("число от 0 до 65535") : QStringLiteral("цяло число от 1 нагоре"));
     }
   }
   if (setting.kind == SettingKind::Flag) {
@@ -148,7 +156,13 @@ QStringList withConfiguration(const QStringList& arguments)
     }
     result.remove(at, 2);
   }
-  const SettingValues values = configuredSettings(fileName);
+  SettingValues values = configuredSettings(fileName);
+  // One of the two on the command line is also an answer about the other.
+  for (const auto& [given, other] : {std::pair("--tls", "plaintext"), std::pair("--plaintext", "tls")}) {
+    if (arguments.contains(QLatin1StringView(given))) {
+      values.remove(QLatin1StringView(other));
+    }
+  }
   for (auto value = values.begin(); value != values.end(); ++value) {
     const QString option = QStringLiteral("--") + value.key();
     const bool flag = settingOf(value.key())->kind == SettingKind::Flag;

@@ -3,33 +3,16 @@
 #include <cstdio>
 
 #include "server/commands.h"
-#include "server/configuration.h"
 #include "server/load/command_line.h"
-#include "server/log.h"
-#include "server/server.h"
+#include "server/serve_options.h"
 #include "server/service_manager.h"
-#include "server/store/database.h"
 
 namespace {
-
-using kalvor::server::CommandArguments;
-using kalvor::server::OptionKind;
 
 // Serves until the process is told to end.
 int serve(const QStringList& arguments, const sigset_t& endSignals)
 {
-  const CommandArguments line = kalvor::server::parseArguments(
-      kalvor::server::withConfiguration(arguments), {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
-                  {"--plaintext", OptionKind::Flag}, {"--metrics-port", OptionKind::Value}});
-  kalvor::server::ServerOptions options;
-  options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabase());
-  options.address = line.value(QStringLiteral("--bind"), options.address);
-  options.port = quint16(line.value(QStringLiteral("--port"), QString::number(options.port)).toUInt());
-  options.plaintext = line.has(QStringLiteral("--plaintext"));
-  options.metricsPort = kalvor::server::countOf(line, QStringLiteral("--metrics-port"), options.metricsPort);
-  if (options.metricsPort > 65535) {
-    throw kalvor::server::UsageError(QStringLiteral("--metrics-port иска число от 0 до 65535"));
-  }
+  const kalvor::server::ServerOptions options = kalvor::server::serveOptions(arguments);
   kalvor::server::prepareDatabase(options.database);
   kalvor::server::ApplicationServer server(options);
   server.start();

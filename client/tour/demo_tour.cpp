@@ -46,6 +46,13 @@ void addDemoTour(TourDriver& driver)
   openForm(driver, QStringLiteral("Редове на фактури"), "TfBrSaleLine");
   driver.picture("sale-lines");
   visitAdministration(driver);
+  visitImportFilters(driver);
+}
+
+void addImportFiltersTour(TourDriver& driver)
+{
+  logIn(driver);
+  visitImportFilters(driver);
 }
 
 }  // namespace kalvor

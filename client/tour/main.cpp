@@ -1,4 +1,4 @@
-// The client driven by key events: kalvor-tour [--retail | --invoice | --new-invoice | --import | --log-in] DIR
+// The client driven by key events: kalvor-tour [--retail | --invoice | --new-invoice | --import | --import-filters | --log-in] DIR
 // [--server HOST:PORT]. With --log-in it ends when the log-in window is painted.
 #include <QApplication>
 #include <cstdio>
@@ -12,13 +12,13 @@ int main(int argc, char** argv)
   const std::pair<const char*, void (*)(kalvor::TourDriver&)> others[] = {
       {"--retail", kalvor::addRetailTour}, {"--invoice", kalvor::addInvoiceTour},
       {"--new-invoice", kalvor::addNewInvoiceTour}, {"--import", kalvor::addImportTour},
-      {"--log-in", kalvor::addLogInTour}};
+      {"--import-filters", kalvor::addImportFiltersTour}, {"--log-in", kalvor::addLogInTour}};
   auto tour = kalvor::addDemoTour;
   for (const auto& [option, steps] : others)
     if (arguments.rest.removeAll(QLatin1String(option)) > 0)
       tour = steps;
   if (arguments.rest.size() != 1) {
-    std::fprintf(stderr, "usage: kalvor-tour [--retail | --invoice | --new-invoice | --import | --log-in] DIR "
+    std::fprintf(stderr, "usage: kalvor-tour [--retail | --invoice | --new-invoice | --import | --import-filters | --log-in] DIR "
                          "[--server HOST:PORT]\n");
     return 2;
   }

@@ -25,4 +25,7 @@ void addNewInvoiceTour(TourDriver& driver);
 // the question about the first record that fails, the end. Expects items and customers, and no invoices.
 void addImportTour(TourDriver& driver);
 
+// The part of the demo tour that writes and tries import filters.
+void addImportFiltersTour(TourDriver& driver);
+
 }  // namespace kalvor

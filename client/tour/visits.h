@@ -18,6 +18,9 @@ void typeAheadAndPaste(TourDriver& driver);
 // The contractors out to a sheet and to a text file.
 void exportContractors(TourDriver& driver);
 
+// Import filters: a sample file, its lookup, a slip in the text, a trial; nothing is kept.
+void visitImportFilters(TourDriver& driver);
+
 // Filter, sort and search.
 void composeTableFilter(TourDriver& driver);
 void chooseInTableFilter(TourDriver& driver);

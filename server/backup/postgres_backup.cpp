@@ -9,7 +9,7 @@ namespace kalvor::server {
 namespace {
 
 // Who is connected is no part of a backup.
-constexpr const char* sessionTables[] = {"srv_session", "srv_provider", "srv_documentlock", "srv_loginfailure"};
+constexpr const char* sessionTables[] = {"srv_session", "srv_provider", "srv_documentlock", "srv_loginfailure", "srv_loginfrom"};
 
 }  // namespace
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <deque>
 
 #include "rpc/frame_reader.h"
@@ -13,6 +13,7 @@ namespace kalvor::server {
 class ClientConnection : public QObject {
   Q_OBJECT
  public:
+  // With a QSslSocket nothing is answered before it is encrypted; a handshake that is not over in time ends it.
   ClientConnection(QTcpSocket* socket, quint64 id, CallService& service, QObject* parent);
 
   const PeerPtr& peer() const { return peer_; }
@@ -20,16 +21,23 @@ class ClientConnection : public QObject {
   qint64 silentMs() const { return silence_.elapsed(); }
   // The call under way has its answer; an empty one closes the connection.
   void finished(const QByteArray& answer);
-  void drop() { socket_->abort(); }
+  void drop();
 
  signals:
   void gone(quint64 id);
 
  private:
+  void beginEncryption(QSslSocket& socket);
+  bool readsPlainly();
+  void refusePlaintext();
+  void readBytes();
   void readFrames();
   void startNext();
+  qint64 unsentBytes() const;
 
+  quint64 id_;
   QTcpSocket* socket_;
+  QSslSocket* secure_;  // null: plain text is spoken
   CallService& service_;
   FrameReader reader_;
   PeerPtr peer_ = std::make_shared<PeerState>();

@@ -47,6 +47,8 @@ int TImportBase::GetRecordCount() { return 0; }
 
 QString TImportBase::textAt(int) const { return {}; }
 
+int TImportBase::currentRowNumber() const { return rowCounter_ - 1; }
+
 QList<ImportField> TImportBase::fieldsOf(const ImportEntries& entries) const
 {
   if (&entries == &filter_.CdsMaster)
@@ -70,12 +72,12 @@ int TImportBase::fillLine(const QList<ImportField>& fields, int rowNumber, TImpo
     if (!text.isEmpty())
       appendText(line, field, std::move(text));
   }
-  if (found)
-    return 0;
-  if (filter_.option(QStringLiteral("SKIP_INVALID_ROWS")) != u"1")
-    return -1;
-  line.resize(entrySize);
-  return 0;
+  const bool skipped = !found && filter_.option(QStringLiteral("SKIP_INVALID_ROWS")) == u"1";
+  if (skipped)
+    line.resize(entrySize);
+  if (services_.LineRead)
+    services_.LineRead(line, currentRowNumber());
+  return found || skipped || services_.LineRead ? 0 : -1;
 }
 
 bool TImportBase::fillLookup(const ImportLookup& lookup, int rowNumber, TImportLine& line)
@@ -89,7 +91,8 @@ bool TImportBase::fillLookup(const ImportLookup& lookup, int rowNumber, TImportL
 int TImportBase::failRecord(const QString& message, int rowNumber, const QString& routine, QString& error) const
 {
   error = importRowNumber + QString::number(rowNumber - 1) + QStringLiteral("\r\n") + message;
-  ImportLogError(message, routine);
+  if (!services_.LineRead)
+    ImportLogError(message, routine);
   return -1;
 }
 

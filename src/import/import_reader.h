@@ -35,6 +35,8 @@ class KALVOR_RULES TImportBase {
 
   // The text of a column of the current row; empty where the row has none.
   virtual QString textAt(int position) const;
+  // The row that the columns are asked of, from 1: a text file's line, a table's row of data.
+  virtual int currentRowNumber() const;
   // Appends the cells of the current row. -1: a lookup failed. With SKIP_INVALID_ROWS the line then stays as it was, 0.
   int fillLine(const QList<ImportField>& fields, int rowNumber, TImportLine& line);
   // The fields of the list; read once for the two lists of the filter.

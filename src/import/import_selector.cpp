@@ -70,13 +70,16 @@ QString conditionText(const Variant& value)
   }
 }
 
-void reportLookup(const QString& message, int rowNumber, int query, const FilterArray& conditions,
+void reportLookup(const QString& message, int rowNumber, const ImportLookup& lookup, const FilterArray& conditions,
                   const ImportServices& services)
 {
-  QString text = message + importTextBreak() + importRowNumber + QString::number(rowNumber - 1) + importTextBreak() +
-                 importConditions;
+  QString described;
   for (const FilterRow& row : conditions)
-    text += conditionCaption(query, row.field, services) + row.op + conditionText(row.value) + importTextBreak();
+    described += conditionCaption(lookup.query, row.field, services) + row.op + conditionText(row.value) + importTextBreak();
+  if (services.LookupFailed)
+    return services.LookupFailed(lookup, message, described.trimmed());
+  const QString text = message + importTextBreak() + importRowNumber + QString::number(rowNumber - 1) +
+                       importTextBreak() + importConditions + described;
   if (services.AddMessage)
     services.AddMessage(text);
   ImportLogError(text, QStringLiteral("ExecImportSelector"));
@@ -108,7 +111,7 @@ bool runImportLookup(const ImportLookup& lookup, const ImportLookup* fallback, c
   } catch (const std::exception& error) {
     failure = QString::fromUtf8(error.what());
   }
-  reportLookup(failure, rowNumber, lookup.query, conditions, services);
+  reportLookup(failure, rowNumber, lookup, conditions, services);
   return false;
 }
 

@@ -9,6 +9,8 @@
 
 namespace kalvor {
 
+struct ImportLookup;
+
 // What a lookup needs from outside; the import run puts its own in, with the answers of the run remembered.
 struct ImportServices {
   // As requestValue of the session's server connection.
@@ -17,6 +19,11 @@ struct ImportServices {
       RequestValue;
   // A line for the message list of the progress window; empty: there is no window.
   std::function<void(const QString& text)> AddMessage;
+  // A trial is told why a lookup gives nothing, here instead of in the list and the log; conditions: as the list has them.
+  std::function<void(const ImportLookup& lookup, const QString& reason, const QString& conditions)> LookupFailed = {};
+  // A trial is told of every line that a row of the file makes, first a document's master. With it a lookup that fails
+  // does not end its document: what else is in the rows is read, and seen, too.
+  std::function<void(const TImportLine& line, int rowNumber)> LineRead = {};
 };
 
 // Runs one lookup (a description of kind 2, its conditions' positions already replaced by values) and appends its

@@ -24,6 +24,7 @@ class KALVOR_RULES TImportDS : public TImportBase {
 
  protected:
   QString textAt(int position) const override;
+  int currentRowNumber() const override { return currentRow_ + 1; }
   // The rows from firstRow (from 0) on are the data.
   void openTable(TextTable&& table, int firstRow);
 

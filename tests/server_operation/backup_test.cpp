@@ -33,7 +33,7 @@ QString contentOf(const QString& database)
   const auto connection = openDatabase(database, ConnectionUse::Read);
   QString text;
   for (const TableInfo& table : readTables(*connection)) {
-    if (table.view || QStringList{"srv_Session", "srv_Provider", "srv_DocumentLock", "srv_LogInFailure"}.contains(table.name)) {
+    if (table.view || QStringList{"srv_Session", "srv_Provider", "srv_DocumentLock", "srv_LogInFailure", "srv_LogInFrom"}.contains(table.name)) {
       continue;
     }
     QStringList columns;

@@ -28,6 +28,8 @@ class ConfigurationTest : public QObject {
     row("line before both", "port = 7", "KALVOR_PORT=8", {"--port", "9"}, "--port 9");
     row("flags", "plaintext = Yes", "", {}, "--plaintext");
     row("a flag taken back", "plaintext = yes", "KALVOR_PLAINTEXT=off", {}, "");
+    row("the line decides on encryption", "tls = yes", "", {"--plaintext"}, "--plaintext");
+    row("no hours", "idle-hours = 0", "", {}, "ред 1: „idle-hours“ иска цяло число от 1 нагоре");
     row("unknown key", "port = 7\n\nprot = 8", "", {}, "ред 3: непознат ключ „prot“");
     row("keys have one spelling", "Port = 7", "", {}, "ред 1: непознат ключ „Port“");
     row("no pair", "#\nport", "", {}, "ред 2: редът не е от вида ключ = стойност");

@@ -97,6 +97,21 @@ bool TfBase::ImportData(int formId, const TImportFilter& filter, const QString& 
   return false;
 }
 
+void ImportRun::tryInto(TfBase& form, int formId, const TImportFilter& filter, const QString& fileName,
+                        int mostDocuments, ImportTrial& trial)
+{
+  const WaitCursorScope wait;
+  form.FormCreate();
+  const QuietFigures quiet(form);
+  const QScopedValueRollback<bool> importing(form.d->importing, true);
+  form.d->formId = formId;
+  form.SetFormRights(formId, false);
+  form.requireInsertRight();
+  TSelectionList none;
+  form.DoShowForm(formId, so_ImportData, noRowFilter(), {}, none, {}, {});
+  ImportRun(form, filter, QString(), QString(), ImportAttended::No).tryDocuments(fileName, mostDocuments, trial);
+}
+
 int TfBase::PrepareImportCDS(int importAction, const TImportLine& line, const TFormatSettings& settings, QString& error)
 {
   try {

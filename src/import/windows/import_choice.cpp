@@ -11,6 +11,7 @@
 #include "data/data_error.h"
 #include "forms/windows/form_server.h"
 #include "import/messages.h"
+#include "import/windows/import_filters_form.h"
 #include "platform/ports.h"
 #include "session/server_calls.h"
 #include "widgets/theme.h"
@@ -46,6 +47,14 @@ TfSelectImportFilter::TfSelectImportFilter(const QStringList& descriptions, QWid
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Ok"));
   buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Отказ"));
+  btnFilters = buttons->addButton(QStringLiteral("&Филтри…"), QDialogButtonBox::ActionRole);
+  btnFilters->setObjectName(QStringLiteral("btnFilters"));
+  btnFilters->setAutoDefault(false);
+  btnFilters->setVisible(mayOpenImportFilters());
+  connect(btnFilters, &QPushButton::clicked, this, [this] {
+    filtersWanted_ = true;
+    reject();
+  });
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   auto* all = new QVBoxLayout(this);
@@ -78,7 +87,11 @@ bool SelectImportFilter(TImportFilter* filter)
     descriptions.append(textAt(row.toList(), fcDescription));
   }
   TfSelectImportFilter dialog(descriptions, QApplication::activeWindow());
-  if (dialog.exec() != QDialog::Accepted || dialog.chosen() < 0) {
+  const bool accepted = dialog.exec() == QDialog::Accepted;
+  if (dialog.filtersWanted()) {
+    openImportFiltersOf(filter->FormId);
+  }
+  if (!accepted || dialog.chosen() < 0) {
     return false;
   }
   const VariantArray row = rows.at(dialog.chosen()).toList();

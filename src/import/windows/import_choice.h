@@ -6,6 +6,7 @@
 #include "import/import_filter.h"
 
 class QListWidget;
+class QPushButton;
 
 namespace kalvor {
 
@@ -22,8 +23,13 @@ class BASE_PACKAGE TfSelectImportFilter : public QDialog {
  public:
   explicit TfSelectImportFilter(const QStringList& descriptions, QWidget* parent = nullptr);
   int chosen() const;
+  bool filtersWanted() const { return filtersWanted_; }  // left by btnFilters
 
   QListWidget* lbFilters;
+  QPushButton* btnFilters;  // to the form in which filters are written; hidden without the right to it
+
+ private:
+  bool filtersWanted_ = false;
 };
 
 }  // namespace kalvor

@@ -55,6 +55,16 @@ ImportRun::ImportRun(TfBase& form, const TImportFilter& filter, QString keyField
 
 ImportRun::~ImportRun() = default;
 
+ImportServices ImportRun::serverServices()
+{
+  ImportServices services;
+  services.RequestValue = [](int query, const QString& source, const QString& columns, const FilterArray& filter,
+                             Variant& value, RowsWanted rows) {
+    return requestValue(*DM->ConBroker, query, source, columns, filter, value, rows);
+  };
+  return services;
+}
+
 void ImportRun::run(const QString& fileName)
 {
   if (attended_ == ImportAttended::Yes) {
@@ -72,11 +82,7 @@ void ImportRun::run(const QString& fileName)
         grid->setDataSet(nullptr);
       }
     }
-    ImportServices services;
-    services.RequestValue = [](int query, const QString& source, const QString& columns, const FilterArray& filter,
-                               Variant& value, RowsWanted rows) {
-      return requestValue(*DM->ConBroker, query, source, columns, filter, value, rows);
-    };
+    ImportServices services = serverServices();
     services.AddMessage = [this](const QString& text) {
       if (progress_) {
         progress_->AddMessage(text);
@@ -207,6 +213,9 @@ bool ImportRun::putMaster()
 
 void ImportRun::reloadDocument()
 {
+  if (trying_) {
+    return form_.acInsertRecordExecute();  // in the place of the document that somebody has open
+  }
   // The lines of an earlier document of the file are still unsaved: the document is there.
   if (form_.hasChanges()) {
     return;
@@ -222,8 +231,17 @@ void ImportRun::reloadDocument()
 void ImportRun::putCells(TClientDataSet& dataSet, const TImportLine& line)
 {
   for (const TImportCell& cell : line) {
-    if (TField* field = dataSet.FindField(cell.FieldName)) {
+    TField* field = dataSet.FindField(cell.FieldName);
+    if (!field) {
+      continue;
+    }
+    try {
       setFieldAnyway(field, ParseAsFieldType(withoutPadding(cell.Value), field->FieldDataType(), settings_));
+    } catch (const std::exception& failure) {
+      if (!trying_) {
+        throw;
+      }
+      noteFailure(field->DisplayLabel, cell.Value.toString(), failure);
     }
   }
 }
@@ -233,12 +251,14 @@ void ImportRun::putCells(TClientDataSet& dataSet, const TImportLine& line)
 void ImportRun::putLines()
 {
   form_.linesComing(lines_, settings_);
-  for (const TImportLine& line : lines_) {
+  for (qsizetype index = 0; index < lines_.size(); ++index) {
     if (detail_->IsEditing()) {
       detail_->Post();
     }
-    if (placeLine(line)) {
-      putCells(*detail_, line);
+    if (trying_) {
+      tryLine(index);
+    } else if (placeLine(lines_[index])) {
+      putCells(*detail_, lines_[index]);
     }
   }
   if (detail_->IsEditing()) {
@@ -290,6 +310,9 @@ void ImportRun::keepLines()
 
 bool ImportRun::save()
 {
+  if (trying_) {
+    return false;
+  }
   const bool ran = form_.runGuarded(QStringLiteral("TfBase.acSaveExecute"), [this] { form_.acSaveExecute(); });
   reads_->forgetMisses();
   const bool editing = master_.IsEditing() || (detail_ && detail_->Active() && detail_->IsEditing());

@@ -4,6 +4,7 @@
 #include "forms/windows/base_form.h"
 #include "import/import_reader.h"
 #include "import/windows/import_prompt.h"
+#include "import/windows/import_trial.h"
 
 namespace kalvor {
 
@@ -24,8 +25,14 @@ class ImportRun {
 
   // Reads the file to its end, or to where the user stops it. TImportException when the file cannot be opened.
   void run(const QString& fileName);
+  // Opens the form as TfBase::ImportData does, puts the first documents into it as run() does, and cancels each: nothing
+  // is saved, nothing shown. Raises what keeps the trial from beginning.
+  static void tryInto(TfBase& form, int formId, const TImportFilter& filter, const QString& fileName, int mostDocuments,
+                      ImportTrial& trial);
 
  private:
+  void tryDocuments(const QString& fileName, int mostDocuments, ImportTrial& trial);
+  struct Trying;
   enum class Next : quint8 { Document, End };
 
   Next importNext();
@@ -48,6 +55,12 @@ class ImportRun {
   QString recordInfo() const;
   void told(const QString& text);
   void report();
+  static ImportServices serverServices();
+  void watch(ImportServices& services);
+  void tryDocument(bool failedToRead, const QString& readingError);
+  void tryLine(qsizetype index);
+  void noteFailure(const QString& field, const QString& value, const std::exception& failure);
+  void noteTold(const QString& text);
 
   TfBase& form_;
   TfBaseEdit* edit_;  // the form, when it saves
@@ -65,6 +78,7 @@ class ImportRun {
   TImportSet lines_;
   int readStatus_ = 0;
   RememberedReadsScope* reads_ = nullptr;  // while it runs
+  Trying* trying_ = nullptr;               // during a trial
 };
 
 // What TfBase::PrepareImportCDS answers.
