@@ -10,7 +10,7 @@ namespace kalvor::server {
 struct SelectColumn {
   QString table;    // may be empty: the one table that has the column
   QString column;
-  QString name;     // in the result; empty: the column's
+  QString name;     // after AS: read, and left out of the statement
 };
 
 struct ColumnPair {

@@ -21,7 +21,7 @@ struct ValueRows {
 // All rows, or the first two: enough to tell one match from several.
 ValueRows readValueRows(Connection& db, const Fragment& sql, bool allRows)
 {
-  auto statement = db.prepare(sql.sql + QStringLiteral(" LIMIT ?"));
+  auto statement = db.prepare(sql.sql + QStringLiteral(" LIMIT ?"), StatementUse::Asked);
   for (int i = 0; i < sql.values.size(); ++i) {
     statement->bind(i, sql.values.at(i));
   }

@@ -1,5 +1,8 @@
 #include "server/store/postgres_session.h"
 
+#include "server/store/asked_rules.h"
+#include "server/store/statement_trace.h"
+
 namespace kalvor::server {
 
 namespace {
@@ -43,6 +46,15 @@ void PostgresSession::connect()
   if (!durable_) {
     run("SET synchronous_commit = off");
   }
+  findReaderRole();
+}
+
+// DATABASE_reader, when its owner made it and this user may take it on.
+void PostgresSession::findReaderRole()
+{
+  const PostgresResult found = run("SELECT quote_ident(rolname) FROM pg_roles WHERE rolname = current_database() || '_reader' "
+                                   "AND pg_has_role(current_user, oid, 'MEMBER')");
+  readerRole_ = PQntuples(found.get()) == 1 ? QByteArray(PQgetvalue(found.get(), 0, 0)) : QByteArray();
 }
 
 void PostgresSession::requireConnection()
@@ -64,6 +76,7 @@ PostgresResult PostgresSession::checked(PGresult* given, const QString& sql)
 
 PostgresResult PostgresSession::run(const QByteArray& statements)
 {
+  traceStatement(statements);
   return checked(PQexec(connection_, statements.constData()), QString::fromUtf8(statements));
 }
 
@@ -151,6 +164,7 @@ void PostgresSession::describe(PostgresPrepared& statement)
 
 void PostgresSession::prepareOnServer(PostgresPrepared& statement)
 {
+  traceStatement(statement.translated.text);
   statement.name = "kalvor_" + QByteArray::number(++statementNumber_);
   checked(PQprepare(connection_, statement.name.constData(), statement.translated.text.constData(), 0, nullptr),
           statement.sql);
@@ -170,16 +184,21 @@ void PostgresSession::evict()
   }
 }
 
-PostgresPreparedPtr PostgresSession::prepare(const QString& sql)
+PostgresPreparedPtr PostgresSession::prepare(const QString& sql, StatementUse use)
 {
   requireConnection();
-  if (const PostgresPreparedPtr known = statements_.value(sql)) {
-    order_.removeOne(sql);
-    order_.append(sql);
+  const QString key = use == StatementUse::Asked ? u'\x01' + sql : sql;
+  if (const PostgresPreparedPtr known = statements_.value(key)) {
+    order_.removeOne(key);
+    order_.append(key);
     return known;
+  }
+  if (const QString word = use == StatementUse::Asked ? refusedWord(sql) : QString(); !word.isEmpty()) {
+    throw StoreError(StoreError::Kind::Denied, QStringLiteral("not a plain query, %1 in: %2").arg(word, sql.left(2000)));
   }
   const auto statement = std::make_shared<PostgresPrepared>();
   statement->sql = sql;
+  statement->use = use;
   statement->translated = postgresSql(sql);
   try {
     prepareOnServer(*statement);
@@ -192,13 +211,16 @@ PostgresPreparedPtr PostgresSession::prepare(const QString& sql)
     prepareOnServer(*statement);
   }
   evict();
-  statements_.insert(sql, statement);
-  order_.append(sql);
+  statements_.insert(key, statement);
+  order_.append(key);
   return statement;
 }
 
-PostgresResult PostgresSession::execute(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
+PostgresResult PostgresSession::executeOnce(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
 {
+  if (statement->connection != number_) {
+    statement = prepare(statement->sql, statement->use);
+  }
   std::vector<const char*> pointers;
   std::vector<int> lengths;
   std::vector<int> formats;
@@ -207,13 +229,36 @@ PostgresResult PostgresSession::execute(PostgresPreparedPtr& statement, const st
     lengths.push_back(int(value.bytes.size()));
     formats.push_back(value.binary ? 1 : 0);
   }
-  const auto once = [&] {
-    if (statement->connection != number_) {
-      statement = prepare(statement->sql);
+  return checked(PQexecPrepared(connection_, statement->name.constData(), int(values.size()), pointers.data(),
+                                lengths.data(), formats.data(), 0),
+                 statement->sql);
+}
+
+// In a transaction, or a step of one, that only reads and is rolled back: not even a setting outlives it.
+PostgresResult PostgresSession::executeAsked(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
+{
+  const QByteArray role = readerRole_.isEmpty() ? QByteArray() : "; SET LOCAL ROLE " + readerRole_;
+  const bool inner = depth > 0;
+  const QByteArray limit = "; SET LOCAL statement_timeout = '5min'";
+  run((inner ? QByteArray("SAVEPOINT asked; SET LOCAL transaction_read_only = on")
+             : QByteArray("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY")) + limit + role);
+  const auto end = [&] { run(inner ? "ROLLBACK TO asked; RELEASE asked" : "ROLLBACK"); };
+  try {
+    PostgresResult result = executeOnce(statement, values);
+    end();
+    return result;
+  } catch (const StoreError& error) {
+    if (error.kind() != StoreError::Kind::Unreachable && connected()) {
+      end();
     }
-    return checked(PQexecPrepared(connection_, statement->name.constData(), int(values.size()), pointers.data(),
-                                  lengths.data(), formats.data(), 0),
-                   statement->sql);
+    throw;
+  }
+}
+
+PostgresResult PostgresSession::execute(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
+{
+  const auto once = [&] {
+    return statement->use == StatementUse::Asked ? executeAsked(statement, values) : executeOnce(statement, values);
   };
   requireConnection();
   PostgresResult result;
