@@ -24,6 +24,11 @@ struct SelectJoin {
   QList<ColumnPair> equal;  // ON a = b AND ...
 };
 
+// More of these no statement may have.
+constexpr qsizetype maxSelectColumns = 500;
+constexpr qsizetype maxSelectJoins = 16;
+constexpr qsizetype maxJoinEqualities = 16;
+
 struct ClientSelect {
   QList<SelectColumn> columns;
   QString table;

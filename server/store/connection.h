@@ -55,7 +55,7 @@ class KALVOR_SERVER Statement {
   virtual void bindAmount(int index, double value) = 0;    // as whole millionths
   virtual bool step() = 0;                                 // true: a row is there
   virtual void reset() = 0;
-  virtual int columnCount() const = 0;
+  virtual int columnCount() const = 0;                     // of columns; known once step() was called
   virtual FieldDef column(int index) const = 0;
   virtual bool isNull(int index) const = 0;
   virtual qint64 integer(int index) const = 0;

@@ -8,6 +8,7 @@ namespace kalvor::server {
 namespace {
 
 constexpr qsizetype keptStatements = 200;
+constexpr int describedParameters = 7000;
 
 // A writer that waits longer gives up; a transaction whose server fell silent is ended by the database.
 constexpr const char* sessionSettings =
@@ -134,21 +135,19 @@ const PostgresSession::KnownTable& PostgresSession::table(Oid oid)
   return *tables_.insert(oid, known);
 }
 
-void PostgresSession::describe(PostgresPrepared& statement)
+void PostgresSession::describe(PostgresPrepared& statement, const PGresult* description)
 {
-  const PostgresResult description =
-      checked(PQdescribePrepared(connection_, statement.name.constData()), statement.sql);
   statement.columns.clear();
-  for (int i = 0; i < PQnfields(description.get()); ++i) {
+  for (int i = 0; i < PQnfields(description); ++i) {
     PostgresColumn column;
-    const QString given = QString::fromUtf8(PQfname(description.get(), i));
+    const QString given = QString::fromUtf8(PQfname(description, i));
     const QString alias = statement.translated.aliases.value(given);
     column.name = alias.isEmpty() ? given : alias.section(u':', 0, 0);
-    column.type = PQftype(description.get(), i);
-    const Oid origin = PQftable(description.get(), i);
+    column.type = PQftype(description, i);
+    const Oid origin = PQftable(description, i);
     if (origin != InvalidOid) {
       const KnownTable& known = table(origin);
-      const auto [name, declared] = known.columns.value(PQftablecol(description.get(), i));
+      const auto [name, declared] = known.columns.value(PQftablecol(description, i));
       column.origin = name.isEmpty() ? QString() : known.name + u'.' + name;
       column.declared = declared;
       if (alias.isEmpty() && !name.isEmpty()) {
@@ -169,7 +168,11 @@ void PostgresSession::prepareOnServer(PostgresPrepared& statement)
   checked(PQprepare(connection_, statement.name.constData(), statement.translated.text.constData(), 0, nullptr),
           statement.sql);
   statement.connection = number_;
-  describe(statement);
+  // libpq takes the description of more parameters for a broken stream; what such a statement gives is seen when it has run.
+  if (statement.translated.parameters <= describedParameters) {
+    const PostgresResult description = checked(PQdescribePrepared(connection_, statement.name.constData()), statement.sql);
+    describe(statement, description.get());
+  }
 }
 
 void PostgresSession::evict()
@@ -221,6 +224,7 @@ PostgresResult PostgresSession::executeOnce(PostgresPreparedPtr& statement, cons
   if (statement->connection != number_) {
     statement = prepare(statement->sql, statement->use);
   }
+  traceStatement(statement->translated.text);
   std::vector<const char*> pointers;
   std::vector<int> lengths;
   std::vector<int> formats;
@@ -229,9 +233,13 @@ PostgresResult PostgresSession::executeOnce(PostgresPreparedPtr& statement, cons
     lengths.push_back(int(value.bytes.size()));
     formats.push_back(value.binary ? 1 : 0);
   }
-  return checked(PQexecPrepared(connection_, statement->name.constData(), int(values.size()), pointers.data(),
-                                lengths.data(), formats.data(), 0),
-                 statement->sql);
+  PostgresResult result = checked(PQexecPrepared(connection_, statement->name.constData(), int(values.size()), pointers.data(),
+                                                 lengths.data(), formats.data(), 0),
+                                  statement->sql);
+  if (statement->columns.isEmpty() && PQnfields(result.get()) > 0) {
+    describe(*statement, result.get());
+  }
+  return result;
 }
 
 // In a transaction, or a step of one, that only reads and is rolled back: not even a setting outlives it.

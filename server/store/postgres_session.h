@@ -79,7 +79,7 @@ class PostgresSession {
   PostgresResult executeOnce(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values);
   PostgresResult executeAsked(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values);
   void prepareOnServer(PostgresPrepared& statement);
-  void describe(PostgresPrepared& statement);
+  void describe(PostgresPrepared& statement, const PGresult* description);
   const KnownTable& table(Oid oid);
   void evict();
   PostgresResult checked(PGresult* result, const QString& sql);
