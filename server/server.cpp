@@ -40,7 +40,7 @@ void ApplicationServer::start()
              {{"address", d->options.address},
               {"warning", QStringLiteral("passwords and data cross the network unencrypted")}});
   }
-  d->io = new IoServer(d->core, d->options.workers);
+  d->io = new IoServer(d->core, d->options.workers, d->options.limits);
   d->io->moveToThread(&d->thread);
   d->thread.setObjectName(QStringLiteral("sockets"));
   d->thread.start();

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "layer_export.h"
+#include "server/net/connection_limits.h"
 
 namespace kalvor::server {
 
@@ -16,6 +17,7 @@ struct ServerOptions {
   quint16 port = 2030;                            // 0: any free one
   bool plaintext = false;                         // allows an address that is not the loopback
   int workers = 3;                                // threads that answer reading calls
+  ConnectionLimits limits;
 };
 
 class KALVOR_SERVER ApplicationServer {

@@ -10,6 +10,7 @@ namespace kalvor::server {
 namespace {
 
 constexpr size_t maxWaitingCalls = 16;
+constexpr qint64 maxWaitingBytes = 1024 * 1024;  // of whole calls behind the one under way; one may be larger
 constexpr qint64 maxUnsentBytes = 8 * 1024 * 1024;
 constexpr qint64 socketBuffer = 1024 * 1024;
 
@@ -23,21 +24,28 @@ ClientConnection::ClientConnection(QTcpSocket* socket, quint64 id, CallService& 
   socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
   socket_->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
   peer_->id = id;
-  peer_->session.peer = socket_->peerAddress().toString();
+  address_ = socket_->peerAddress().toString();
+  peer_->session.peer = address_;
   silence_.start();
   connect(socket_, &QTcpSocket::readyRead, this, &ClientConnection::readFrames);
-  connect(socket_, &QTcpSocket::bytesWritten, this, &ClientConnection::startNext);
+  connect(socket_, &QTcpSocket::bytesWritten, this, &ClientConnection::noteSent);
   connect(socket_, &QTcpSocket::disconnected, this, [this, id] { emit gone(id); });
 }
 
 void ClientConnection::readFrames()
 {
-  while (waiting_.size() < maxWaitingCalls && socket_->bytesAvailable() > 0) {
+  while (waiting_.size() < maxWaitingCalls && waitingBytes_ < maxWaitingBytes && socket_->bytesAvailable() > 0) {
     const qint64 size = socket_->bytesAvailable();
     const qint64 got = socket_->read(reader_.writeBuffer(qsizetype(size)), size);
     reader_.bytesWritten(qsizetype(qMax<qint64>(0, got)));
     while (const auto item = reader_.next()) {
       waiting_.push_back(item->toByteArray());
+      waitingBytes_ += item->size();
+      everCalled_ = true;
+      incoming_.invalidate();
+    }
+    if (reader_.buffered() > 0 && !incoming_.isValid()) {
+      incoming_.start();
     }
     if (reader_.broken()) {
       logEvent(LogLevel::Warning, "bad_frame", {{"peer", peer_->session.peer}, {"reason", QStringLiteral("length")}});
@@ -56,6 +64,7 @@ void ClientConnection::startNext()
   busy_ = true;
   QByteArray item = std::move(waiting_.front());
   waiting_.pop_front();
+  waitingBytes_ -= item.size();
   service_.handle(peer_, std::move(item));
 }
 
@@ -67,11 +76,36 @@ void ClientConnection::finished(const QByteArray& answer)
     drop();
     return;
   }
-  if (peer_->session.loggedIn()) {
+  knownUser_ = peer_->session.loggedIn();
+  if (knownUser_) {
     reader_.setMaxBytes(FrameLimits::ofServer().maxBytes);
   }
+  if (!outgoing_.isValid()) {
+    outgoing_.start();
+  }
+  outgoingBytes_ += answer.size();
   socket_->write(answer);
   readFrames();
+}
+
+void ClientConnection::noteSent()
+{
+  if (socket_->bytesToWrite() == 0) {
+    outgoing_.invalidate();
+    outgoingBytes_ = 0;
+  }
+  // What was not read while answers waited may go on now.
+  readFrames();
+}
+
+bool ClientConnection::stalled(const ConnectionLimits& limits) const
+{
+  const auto tooSlow = [&](const QElapsedTimer& since, qint64 bytes) {
+    return since.isValid() && since.elapsed() > limits.transferMs + bytes * 1000 / limits.bytesASecond;
+  };
+  // While calls wait for their turn nothing is read, so that what has not come is not the client's fault.
+  const bool reading = waiting_.size() < maxWaitingCalls && waitingBytes_ < maxWaitingBytes;
+  return (reading && tooSlow(incoming_, reader_.buffered())) || tooSlow(outgoing_, outgoingBytes_ - socket_->bytesToWrite());
 }
 
 }  // namespace kalvor::server

@@ -7,14 +7,12 @@ namespace kalvor::server {
 namespace {
 
 constexpr qsizetype maxConnections = 1000;
-constexpr qint64 silentBeforeLogInMs = 30 * 60 * 1000;
 constexpr qint64 silentInTransactionMs = 30 * 1000;
-constexpr int lookAfterEveryMs = 5000;
 
 }  // namespace
 
-IoServer::IoServer(ServerCore& core, int workers)
-    : service_(core, workers, [this](const PeerPtr& peer, QByteArray answer) {
+IoServer::IoServer(ServerCore& core, int workers, const ConnectionLimits& limits)
+    : limits_(limits), service_(core, workers, [this](const PeerPtr& peer, QByteArray answer) {
         QMetaObject::invokeMethod(this, [this, peer, answer = std::move(answer)] { finished(peer, answer); },
                                   Qt::QueuedConnection);
       })
@@ -27,7 +25,7 @@ IoServer::~IoServer() { service_.stop(); }
 
 QString IoServer::listen(const QHostAddress& address, quint16 port)
 {
-  timer_.start(lookAfterEveryMs);
+  timer_.start(limits_.lookAfterEveryMs);
   return server_.listen(address, port) ? QString() : server_.errorString();
 }
 
@@ -53,6 +51,11 @@ void IoServer::accept()
       socket->deleteLater();
       continue;
     }
+    if (!mayConnect(socket->peerAddress().toString())) {
+      socket->abort();
+      socket->deleteLater();
+      continue;
+    }
     auto* connection = new ClientConnection(socket, ++lastId_, service_, this);
     connections_.insert(lastId_, connection);
     connect(connection, &ClientConnection::gone, this, [this](quint64 id) {
@@ -69,6 +72,24 @@ void IoServer::accept()
   }
 }
 
+// Nobody takes the places of everybody: so many connections an address, fewer of those that have not logged in.
+bool IoServer::mayConnect(const QString& peer) const
+{
+  int all = 0;
+  int strangers = 0;
+  for (const ClientConnection* connection : connections_) {
+    if (connection->address() == peer) {
+      ++all;
+      strangers += !connection->knownUser();
+    }
+  }
+  if (all < limits_.ofOnePeer && strangers < limits_.beforeLogInOfOnePeer) {
+    return true;
+  }
+  logEvent(LogLevel::Warning, "too_many_connections", {{"peer", peer}, {"all", QString::number(all)}});
+  return false;
+}
+
 void IoServer::finished(const PeerPtr& peer, const QByteArray& answer)
 {
   if (ClientConnection* connection = connections_.value(peer->id)) {
@@ -81,13 +102,19 @@ void IoServer::finished(const PeerPtr& peer, const QByteArray& answer)
 void IoServer::lookAfterConnections()
 {
   for (ClientConnection* connection : connections_.values()) {
+    if (connection->stalled(limits_)) {
+      logEvent(LogLevel::Warning, "stalled", {{"peer", connection->address()}, {"user", connection->knownUser() ? connection->peer()->session.userId : QString()}});
+      connection->drop();
+      continue;
+    }
     if (connection->busy()) {
       continue;
     }
     const PeerPtr& peer = connection->peer();
     if (peer->inTransaction && connection->silentMs() > silentInTransactionMs) {
       service_.abandonTransaction(peer);
-    } else if (!peer->session.loggedIn() && connection->silentMs() > silentBeforeLogInMs) {
+    } else if (!connection->knownUser() &&
+               connection->silentMs() > (connection->everCalled() ? limits_.silentBeforeLogInMs : limits_.firstCallMs)) {
       connection->drop();
     }
   }

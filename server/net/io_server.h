@@ -12,7 +12,7 @@ namespace kalvor::server {
 class IoServer : public QObject {
   Q_OBJECT
  public:
-  IoServer(ServerCore& core, int workers);
+  IoServer(ServerCore& core, int workers, const ConnectionLimits& limits = {});
   ~IoServer() override;
 
   // Empty when it listens, else why it does not.
@@ -22,9 +22,11 @@ class IoServer : public QObject {
 
  private:
   void accept();
+  bool mayConnect(const QString& peer) const;
   void finished(const PeerPtr& peer, const QByteArray& answer);
   void lookAfterConnections();
 
+  ConnectionLimits limits_;
   QTcpServer server_{this};
   QTimer timer_{this};
   QHash<quint64, ClientConnection*> connections_;

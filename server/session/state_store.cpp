@@ -105,7 +105,7 @@ bool StateStore::touch(const Session& session)
   return step([&] {
     auto row = connection_->prepare(QStringLiteral("SELECT UsedAt FROM srv_Session WHERE Token = ?"));
     row->bind(0, session.token);
-    if (!row->step()) {
+    if (!row->step() || row->integer(0) + sessionLifeSeconds < now) {
       return false;
     }
     if (row->integer(0) + 60 <= now) {

@@ -19,7 +19,8 @@ class KALVOR_SERVER StateStore {
   QString openSession(Session& session);
   // Finds the session of a text; false when there is none, or it has been silent for a day.
   bool resumeSession(const QString& text, Session& session);
-  // That it was used now, noted at most once a minute. False when the session was closed, through whatever server.
+  // That it was used now, noted at most once a minute. False when the session was closed, through whatever server, or
+  // has been silent for a day.
   bool touch(const Session& session);
   void closeSessionsOf(const QString& userId, const QString& companyId, const QString& exceptToken);
 
