@@ -32,27 +32,44 @@ ClientConnection::ClientConnection(QTcpSocket* socket, quint64 id, CallService& 
   connect(socket_, &QTcpSocket::disconnected, this, [this, id] { emit gone(id); });
 }
 
+bool ClientConnection::hasRoom() const { return waiting_.size() < maxWaitingCalls && waitingBytes_ < maxWaitingBytes; }
+
+void ClientConnection::takeCalls()
+{
+  while (hasRoom()) {
+    const auto item = reader_.next();
+    if (!item) {
+      break;
+    }
+    waiting_.push_back(item->toByteArray());
+    waitingBytes_ += item->size();
+    everCalled_ = true;
+    incoming_.invalidate();
+  }
+  if (reader_.buffered() > 0 && !incoming_.isValid()) {
+    incoming_.start();
+  }
+}
+
 void ClientConnection::readFrames()
 {
-  while (waiting_.size() < maxWaitingCalls && waitingBytes_ < maxWaitingBytes && socket_->bytesAvailable() > 0) {
+  if (paused_ && incoming_.isValid()) {
+    // Nobody took what the client sent meanwhile.
+    incoming_.restart();
+  }
+  takeCalls();
+  while (hasRoom() && !reader_.broken() && socket_->bytesAvailable() > 0) {
     const qint64 size = socket_->bytesAvailable();
     const qint64 got = socket_->read(reader_.writeBuffer(qsizetype(size)), size);
     reader_.bytesWritten(qsizetype(qMax<qint64>(0, got)));
-    while (const auto item = reader_.next()) {
-      waiting_.push_back(item->toByteArray());
-      waitingBytes_ += item->size();
-      everCalled_ = true;
-      incoming_.invalidate();
-    }
-    if (reader_.buffered() > 0 && !incoming_.isValid()) {
-      incoming_.start();
-    }
-    if (reader_.broken()) {
-      logEvent(LogLevel::Warning, "bad_frame", {{"peer", peer_->session.peer}, {"reason", QStringLiteral("length")}});
-      drop();
-      return;
-    }
+    takeCalls();
   }
+  if (reader_.broken()) {
+    logEvent(LogLevel::Warning, "bad_frame", {{"peer", address_}, {"reason", QStringLiteral("length")}});
+    drop();
+    return;
+  }
+  paused_ = !hasRoom();
   startNext();
 }
 
@@ -76,8 +93,8 @@ void ClientConnection::finished(const QByteArray& answer)
     drop();
     return;
   }
-  knownUser_ = peer_->session.loggedIn();
-  if (knownUser_) {
+  if (peer_->session.loggedIn()) {
+    user_ = peer_->session.userId;
     reader_.setMaxBytes(FrameLimits::ofServer().maxBytes);
   }
   if (!outgoing_.isValid()) {
@@ -104,8 +121,7 @@ bool ClientConnection::stalled(const ConnectionLimits& limits) const
     return since.isValid() && since.elapsed() > limits.transferMs + bytes * 1000 / limits.bytesASecond;
   };
   // While calls wait for their turn nothing is read, so that what has not come is not the client's fault.
-  const bool reading = waiting_.size() < maxWaitingCalls && waitingBytes_ < maxWaitingBytes;
-  return (reading && tooSlow(incoming_, reader_.buffered())) || tooSlow(outgoing_, outgoingBytes_ - socket_->bytesToWrite());
+  return (!paused_ && tooSlow(incoming_, reader_.buffered())) || tooSlow(outgoing_, outgoingBytes_ - socket_->bytesToWrite());
 }
 
 }  // namespace kalvor::server

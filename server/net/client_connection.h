@@ -20,7 +20,8 @@ class ClientConnection : public QObject {
   bool busy() const { return busy_; }
   const QString& address() const { return address_; }
   // Whether somebody had logged in when the last call was answered; the session itself is its call's meanwhile.
-  bool knownUser() const { return knownUser_; }
+  bool knownUser() const { return !user_.isEmpty(); }
+  const QString& user() const { return user_; }
   bool everCalled() const { return everCalled_; }
   // A call that does not come to its end, or answers that are not taken.
   bool stalled(const ConnectionLimits& limits) const;
@@ -33,6 +34,8 @@ class ClientConnection : public QObject {
   void gone(quint64 id);
 
  private:
+  bool hasRoom() const;
+  void takeCalls();
   void readFrames();
   void noteSent();
   void startNext();
@@ -44,7 +47,8 @@ class ClientConnection : public QObject {
   QString address_;
   std::deque<QByteArray> waiting_;
   qint64 waitingBytes_ = 0;
-  bool knownUser_ = false;
+  bool paused_ = false;      // nothing is read until calls have had their turn
+  QString user_;
   bool everCalled_ = false;
   QElapsedTimer incoming_;   // since the frame under way began; invalid: none is
   QElapsedTimer outgoing_;   // since the first unsent answer was written; invalid: all are sent

@@ -103,7 +103,7 @@ void IoServer::lookAfterConnections()
 {
   for (ClientConnection* connection : connections_.values()) {
     if (connection->stalled(limits_)) {
-      logEvent(LogLevel::Warning, "stalled", {{"peer", connection->address()}, {"user", connection->knownUser() ? connection->peer()->session.userId : QString()}});
+      logEvent(LogLevel::Warning, "stalled", {{"peer", connection->address()}, {"user", connection->user()}});
       connection->drop();
       continue;
     }
