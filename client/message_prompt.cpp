@@ -73,8 +73,12 @@ PromptButton MessagePrompt::message(PromptKind kind, const QString& text, const 
   box.setTextFormat(Qt::PlainText);
   box.setText(plainLineBreaks(text));
   for (const ButtonRow& row : buttonRows)
-    if (buttons.contains(row.button))
+    if (buttons.contains(row.button)) {
       box.addButton(row.standard)->setText(QString::fromUtf16(row.text));
+      // Enter takes the first of them as they were asked for.
+      if (row.button == buttons.first())
+        box.setDefaultButton(row.standard);
+    }
   const int overrides = QApplication::overrideCursor() ? 1 : 0;
   if (overrides)
     QApplication::setOverrideCursor(Qt::ArrowCursor);

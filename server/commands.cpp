@@ -2,12 +2,15 @@
 
 #include <cstdio>
 
+#include "rpc/server_trust.h"
 #include "server/demo/demo_company.h"
 #include "server/demo/init_command.h"
+#include "server/load/command_line.h"
 #include "server/load/load_command.h"
 #include "server/log.h"
 #include "server/metadata/metadata_loader.h"
 #include "server/operations/passwords.h"
+#include "server/serve_options.h"
 #include "server/store/database.h"
 #include "server/store/migrations.h"
 
@@ -16,9 +19,13 @@ namespace kalvor::server {
 namespace {
 
 constexpr const char* usage =
-    "kalvor-server serve [--db FILE|URI] [--port N] [--bind ADDRESS] [--plaintext]\n"
+    "kalvor-server serve [--db FILE|URI] [--port N] [--bind ADDRESS] [--plaintext | --tls] [--tls-dir FOLDER]\n"
+    "    [--certificate FILE --key FILE] [--idle-hours N] [--session-days N]\n"
     "    Serves the companies in FILE, or in the PostgreSQL database that a libpq URI (postgresql://...) names; makes\n"
     "    the demo company when there is none. Without --db: KALVOR_DATABASE, else the user's own file.\n"
+    "    Any address but the loopback is served with TLS, by a certificate that is made when there is none.\n"
+    "kalvor-server fingerprint [--db FILE|URI] [--tls-dir FOLDER] [--certificate FILE --key FILE]\n"
+    "    Prints the SHA-256 fingerprint of the certificate, which clients ask for at their first connection.\n"
     "kalvor-server init [--db FILE|URI] [--invoices N [--lines L] [--company ID]]\n"
     "    Makes the demo company, or brings the database to this version; then N more sale invoices for measuring.\n"
     "kalvor-server load TABLE FILE.csv [--db FILE|URI] [--company ID] [--user CODE] [--map COLUMN=FIELD ...]\n"
@@ -49,6 +56,11 @@ int runCommand(const QStringList& arguments)
   const QString command = arguments.value(0);
   if (command == u"init") {
     return runInit(arguments.mid(1), hashDigest);
+  }
+  if (command == u"fingerprint") {
+    return exitCodeOf(usage, [&] {
+      std::printf("%s\n", qPrintable(fingerprintText(certificateOf(serveOptions(arguments.mid(1))).fingerprint)));
+    });
   }
   if (command == u"load") {
     return runLoad(arguments.mid(1));

@@ -3,27 +3,14 @@
 #include <cstdio>
 
 #include "server/commands.h"
-#include "server/load/command_line.h"
-#include "server/log.h"
-#include "server/server.h"
-#include "server/store/database.h"
+#include "server/serve_options.h"
 
 namespace {
-
-using kalvor::server::CommandArguments;
-using kalvor::server::OptionKind;
 
 // Serves until the process is told to end.
 int serve(const QStringList& arguments, const sigset_t& endSignals)
 {
-  const CommandArguments line = kalvor::server::parseArguments(
-      arguments, {{"--db", OptionKind::Value}, {"--bind", OptionKind::Value}, {"--port", OptionKind::Value},
-                  {"--plaintext", OptionKind::Flag}});
-  kalvor::server::ServerOptions options;
-  options.database = line.value(QStringLiteral("--db"), kalvor::server::defaultDatabase());
-  options.address = line.value(QStringLiteral("--bind"), options.address);
-  options.port = quint16(line.value(QStringLiteral("--port"), QString::number(options.port)).toUInt());
-  options.plaintext = line.has(QStringLiteral("--plaintext"));
+  const kalvor::server::ServerOptions options = kalvor::server::serveOptions(arguments);
   kalvor::server::prepareDatabase(options.database);
   kalvor::server::ApplicationServer server(options);
   server.start();

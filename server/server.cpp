@@ -1,23 +1,52 @@
 #include "server/server.h"
 
 #include <QHostAddress>
+#include <QTemporaryDir>
 #include <QThread>
+#include <optional>
 #include <stdexcept>
 
+#include "rpc/server_trust.h"
 #include "server/log.h"
 #include "server/net/io_server.h"
 
 namespace kalvor::server {
 
 struct ApplicationServer::Private {
-  explicit Private(ServerOptions given) : options(std::move(given)), core(ServerCore::Databases::of(options.database)) {}
+  explicit Private(ServerOptions given) : options(std::move(given)), core(ServerCore::Databases::of(options.database))
+  {
+    if (options.database == u":memory:" && options.tlsFolder.isEmpty()) {
+      options.tlsFolder = memoryFolder.path();
+    }
+    core.state().setLimits(options.sessions);
+  }
 
   ServerOptions options;
   ServerCore core;
   QThread thread;
   IoServer* io = nullptr;  // lives in the thread
   quint16 port = 0;
+  QByteArray fingerprint;
+  QTemporaryDir memoryFolder;  // of the certificate of a database in memory
 };
+
+CertificateFiles certificateFilesOf(const ServerOptions& options)
+{
+  const CertificateFiles& own = options.certificate;
+  if (own.certificate.isEmpty() != own.key.isEmpty()) {
+    throw std::runtime_error("--certificate and --key go together");
+  }
+  if (!own.certificate.isEmpty()) {
+    return own;
+  }
+  return certificateFilesIn(options.tlsFolder.isEmpty() ? certificateFolderOf(options.database) : options.tlsFolder);
+}
+
+ServerCertificate certificateOf(const ServerOptions& options)
+{
+  const CertificateFiles files = certificateFilesOf(options);
+  return files == options.certificate ? readCertificate(files) : readOrMakeCertificate(files);
+}
 
 ApplicationServer::ApplicationServer(ServerOptions options) : d(std::make_unique<Private>(std::move(options))) {}
 
@@ -32,15 +61,24 @@ void ApplicationServer::start()
   if (address.isNull()) {
     throw std::runtime_error("not an address: " + d->options.address.toStdString());
   }
-  if (!address.isLoopback()) {
-    if (!d->options.plaintext) {
-      throw std::runtime_error("only the loopback may be served in plain text; --plaintext allows other addresses");
-    }
+  if (d->options.tls && d->options.plaintext) {
+    throw std::runtime_error("--tls and --plaintext exclude each other");
+  }
+  const bool encrypted = d->options.tls || (!address.isLoopback() && !d->options.plaintext);
+  std::optional<ServerCertificate> certificate;
+  if (encrypted) {
+    certificate = certificateOf(d->options);
+    d->fingerprint = certificate->fingerprint;
+  } else if (!address.isLoopback()) {
     logEvent(LogLevel::Warning, "plaintext",
              {{"address", d->options.address},
               {"warning", QStringLiteral("passwords and data cross the network unencrypted")}});
   }
-  d->io = new IoServer(d->core, d->options.workers, d->options.limits);
+  auto io = std::make_unique<IoServer>(d->core, d->options.workers, d->options.limits);
+  if (certificate) {
+    io->encryptWith(*certificate);
+  }
+  d->io = io.release();
   d->io->moveToThread(&d->thread);
   d->thread.setObjectName(QStringLiteral("sockets"));
   d->thread.start();
@@ -53,10 +91,12 @@ void ApplicationServer::start()
     stop();
     throw std::runtime_error(error.toStdString());
   }
-  logEvent(LogLevel::Info, "listening", {{"address", d->options.address}, {"port", QString::number(d->port)}});
+  logEvent(LogLevel::Info, "listening", {{"address", d->options.address}, {"port", QString::number(d->port)},
+                                         {"fingerprint", encrypted ? fingerprintText(d->fingerprint) : QStringLiteral("none")}});
 }
 
 quint16 ApplicationServer::port() const { return d->port; }
+QByteArray ApplicationServer::fingerprint() const { return d->fingerprint; }
 
 void ApplicationServer::stop()
 {

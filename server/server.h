@@ -5,7 +5,9 @@
 #include <memory>
 
 #include "layer_export.h"
+#include "server/net/certificate.h"
 #include "server/net/connection_limits.h"
+#include "server/session/session.h"
 
 namespace kalvor::server {
 
@@ -15,10 +17,20 @@ struct ServerOptions {
   QString database;                               // a file, a libpq URI, or ":memory:" for this server alone
   QString address = QStringLiteral("127.0.0.1");
   quint16 port = 2030;                            // 0: any free one
-  bool plaintext = false;                         // allows an address that is not the loopback
+  bool plaintext = false;                         // no TLS on an address that is not the loopback either
+  bool tls = false;                               // TLS on the loopback too
+  QString tlsFolder;                              // of the certificate that the server makes; empty: its usual one
+  CertificateFiles certificate;                   // the site's own; both names empty: there is none
+  SessionLimits sessions;
   int workers = 3;                                // threads that answer reading calls
   ConnectionLimits limits;
 };
+
+// The files of the certificate that a server with these options shows. Throws std::runtime_error when only one of the
+// site's own is named.
+KALVOR_SERVER CertificateFiles certificateFilesOf(const ServerOptions& options);
+// Reads them, or makes those that are not the site's own.
+KALVOR_SERVER ServerCertificate certificateOf(const ServerOptions& options);
 
 class KALVOR_SERVER ApplicationServer {
  public:
@@ -28,9 +40,10 @@ class KALVOR_SERVER ApplicationServer {
   ApplicationServer(const ApplicationServer&) = delete;
   ApplicationServer& operator=(const ApplicationServer&) = delete;
 
-  // Listens when it returns. Throws std::runtime_error when it cannot: the port is taken, or the address is not the
-  // loopback and plaintext is not allowed.
+  // Listens when it returns; with TLS unless the address is the loopback or plaintext was asked for. Throws
+  // std::runtime_error when it cannot: the port is taken, the certificate cannot be used, tls and plaintext at once.
   void start();
+  QByteArray fingerprint() const;  // of the certificate, 32 bytes; empty without TLS
   quint16 port() const;  // 0 while stopped
   // Finishes the calls under way and closes every connection. Nothing happens when it is stopped.
   void stop();

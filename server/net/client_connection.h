@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <deque>
 
 #include "rpc/frame_reader.h"
@@ -14,6 +14,7 @@ namespace kalvor::server {
 class ClientConnection : public QObject {
   Q_OBJECT
  public:
+  // With a QSslSocket nothing is answered before it is encrypted; a handshake that is not over in time ends it.
   ClientConnection(QTcpSocket* socket, quint64 id, CallService& service, QObject* parent);
 
   const PeerPtr& peer() const { return peer_; }
@@ -28,7 +29,7 @@ class ClientConnection : public QObject {
   qint64 silentMs() const { return silence_.elapsed(); }
   // The call under way has its answer; an empty one closes the connection.
   void finished(const QByteArray& answer);
-  void drop() { socket_->abort(); }
+  void drop();
 
  signals:
   void gone(quint64 id);
@@ -36,11 +37,18 @@ class ClientConnection : public QObject {
  private:
   bool hasRoom() const;
   void takeCalls();
+  void beginEncryption(QSslSocket& socket);
+  bool readsPlainly();
+  void refusePlaintext();
+  void readBytes();
   void readFrames();
   void noteSent();
   void startNext();
+  qint64 unsentBytes() const;
 
+  quint64 id_;
   QTcpSocket* socket_;
+  QSslSocket* secure_;  // null: plain text is spoken
   CallService& service_;
   FrameReader reader_;
   PeerPtr peer_ = std::make_shared<PeerState>();

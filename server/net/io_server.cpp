@@ -1,5 +1,10 @@
 #include "server/net/io_server.h"
 
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QSslSocket>
+#include <stdexcept>
+
 #include "server/log.h"
 
 namespace kalvor::server {
@@ -9,7 +14,36 @@ namespace {
 constexpr qsizetype maxConnections = 1000;
 constexpr qint64 silentInTransactionMs = 30 * 1000;
 
+// A key in PEM does not name its algorithm to the toolkit.
+QSslKey keyOf(const QByteArray& pem)
+{
+  for (const QSsl::KeyAlgorithm algorithm : {QSsl::Ec, QSsl::Rsa, QSsl::Dsa}) {
+    const QSslKey key(pem, algorithm);
+    if (!key.isNull()) {
+      return key;
+    }
+  }
+  return {};
+}
+
 }  // namespace
+
+void Listener::incomingConnection(qintptr descriptor)
+{
+  QTcpSocket* socket = nullptr;
+  if (encryption) {
+    auto* secure = new QSslSocket(this);
+    secure->setSslConfiguration(*encryption);
+    socket = secure;
+  } else {
+    socket = new QTcpSocket(this);
+  }
+  if (!socket->setSocketDescriptor(descriptor)) {
+    delete socket;
+    return;
+  }
+  addPendingConnection(socket);
+}
 
 IoServer::IoServer(ServerCore& core, int workers, const ConnectionLimits& limits)
     : limits_(limits), service_(core, workers, [this](const PeerPtr& peer, QByteArray answer) {
@@ -29,6 +63,22 @@ QString IoServer::listen(const QHostAddress& address, quint16 port)
   return server_.listen(address, port) ? QString() : server_.errorString();
 }
 
+void IoServer::encryptWith(const ServerCertificate& certificate)
+{
+  if (!QSslSocket::supportsSsl()) {
+    throw std::runtime_error("the library for TLS is missing (OpenSSL 3)");
+  }
+  QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+  configuration.setProtocol(QSsl::TlsV1_2OrLater);
+  configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
+  configuration.setLocalCertificateChain(QSslCertificate::fromData(certificate.certificate, QSsl::Pem));
+  configuration.setPrivateKey(keyOf(certificate.key));
+  if (configuration.privateKey().isNull() || configuration.localCertificate().isNull()) {
+    throw std::runtime_error("the certificate or its key is of a kind that cannot be used");
+  }
+  server_.encryption = configuration;
+}
+
 void IoServer::close()
 {
   server_.close();
@@ -45,13 +95,7 @@ void IoServer::close()
 void IoServer::accept()
 {
   while (QTcpSocket* socket = server_.nextPendingConnection()) {
-    if (connections_.size() >= maxConnections) {
-      logEvent(LogLevel::Warning, "too_many_connections");
-      socket->abort();
-      socket->deleteLater();
-      continue;
-    }
-    if (!mayConnect(socket->peerAddress().toString())) {
+    if (!mayConnect(socket->peerAddress().toString()) || !makeRoom()) {
       socket->abort();
       socket->deleteLater();
       continue;
@@ -88,6 +132,28 @@ bool IoServer::mayConnect(const QString& peer) const
   }
   logEvent(LogLevel::Warning, "too_many_connections", {{"peer", peer}, {"all", QString::number(all)}});
   return false;
+}
+
+// When all places are taken, whoever has not logged in and has been silent longest goes: nobody can fill the server
+// with connections that say nothing.
+bool IoServer::makeRoom()
+{
+  if (connections_.size() < maxConnections) {
+    return true;
+  }
+  ClientConnection* oldest = nullptr;
+  for (ClientConnection* connection : std::as_const(connections_)) {
+    const bool idle = !connection->busy() && !connection->peer()->session.loggedIn();
+    if (idle && (!oldest || connection->silentMs() > oldest->silentMs())) {
+      oldest = connection;
+    }
+  }
+  if (oldest) {
+    oldest->drop();
+  } else {
+    logEvent(LogLevel::Warning, "too_many_connections");
+  }
+  return oldest;
 }
 
 void IoServer::finished(const PeerPtr& peer, const QByteArray& answer)

@@ -2,12 +2,24 @@
 #pragma once
 
 #include <QHash>
+#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTimer>
 
+#include "server/net/certificate.h"
 #include "server/net/client_connection.h"
 
 namespace kalvor::server {
+
+// Hands out the sockets that it accepts as they are to be spoken on.
+class Listener : public QTcpServer {
+ public:
+  using QTcpServer::QTcpServer;
+  std::optional<QSslConfiguration> encryption;  // nothing: plain text
+
+ protected:
+  void incomingConnection(qintptr descriptor) override;
+};
 
 class IoServer : public QObject {
   Q_OBJECT
@@ -15,6 +27,8 @@ class IoServer : public QObject {
   IoServer(ServerCore& core, int workers, const ConnectionLimits& limits = {});
   ~IoServer() override;
 
+  // Before listening: TLS 1.2 or newer with this certificate. Throws std::runtime_error when there is no TLS.
+  void encryptWith(const ServerCertificate& certificate);
   // Empty when it listens, else why it does not.
   QString listen(const QHostAddress& address, quint16 port);
   quint16 port() const { return server_.serverPort(); }
@@ -23,11 +37,12 @@ class IoServer : public QObject {
  private:
   void accept();
   bool mayConnect(const QString& peer) const;
+  bool makeRoom();
   void finished(const PeerPtr& peer, const QByteArray& answer);
   void lookAfterConnections();
 
   ConnectionLimits limits_;
-  QTcpServer server_{this};
+  Listener server_{this};
   QTimer timer_{this};
   QHash<quint64, ClientConnection*> connections_;
   quint64 lastId_ = 0;

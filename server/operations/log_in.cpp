@@ -1,6 +1,7 @@
 #include "rpc/rpc_error.h"
 #include "server/log.h"
 #include "server/operations/handlers.h"
+#include "server/operations/log_in_throttle.h"
 #include "server/operations/passwords.h"
 
 namespace kalvor::server {
@@ -9,9 +10,6 @@ namespace {
 
 // Results of LogIn.
 enum LogInResult : int { LoggedIn = 0, WrongPassword = -1, NoSuchData = -4, UserInactive = -5 };
-
-constexpr int freeFailures = 5;
-constexpr int longestWaitSeconds = 60;
 
 struct UserRow {
   bool found = false;
@@ -43,13 +41,6 @@ bool groupIsOpen(Connection& db, const UserRow& user, const QString& companyId, 
                                          "BusinessGroup_Id = ?"), {user.id, companyId, groupId}));
 }
 
-// After some failures in a row an attempt is not even looked at for a while, twice as long after each.
-bool mustWait(const StateStore::Failures& failures)
-{
-  const int beyond = failures.count - freeFailures;
-  return beyond >= 0 && failures.secondsAgo < qMin(longestWaitSeconds, 1 << qMin(beyond, 6));
-}
-
 LogInResult tryLogIn(CallContext& call, const QString& userId, const QString& digest, const QString& groupId,
                      const QString& companyId, UserRow& user)
 {
@@ -72,9 +63,9 @@ Variant callLogIn(CallContext& call)
   const QString userId = call.text(0);
   const QString groupId = call.text(2);
   const QString companyId = call.text(3);
-  const QString who = QStringLiteral("%1/%2/%3").arg(call.session.peer, companyId, userId.toLower());
+  LogInThrottle throttle(call.core.state(), call.session.peer, companyId, userId);
   call.arguments[4] = QString();
-  if (mustWait(call.core.state().failures(who))) {
+  if (throttle.mustWait()) {
     logEvent(LogLevel::Warning, "log_in_throttled", {{"user", userId}, {"peer", call.session.peer}});
     return int(WrongPassword);
   }
@@ -83,10 +74,10 @@ Variant callLogIn(CallContext& call)
   logEvent(result == LoggedIn ? LogLevel::Info : LogLevel::Warning, "log_in",
            {{"user", userId}, {"company", companyId}, {"peer", call.session.peer}, {"result", QString::number(result)}});
   if (result != LoggedIn) {
-    call.core.state().noteFailure(who);
+    throttle.failed();
     return int(result);
   }
-  call.core.state().clearFailures(who);
+  throttle.succeeded();
   Session session{{}, user.id, companyId, groupId, call.session.peer};
   call.arguments[4] = call.core.state().openSession(session);
   call.session = session;

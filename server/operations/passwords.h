@@ -17,4 +17,7 @@ KALVOR_SERVER QString hashDigest(const QString& digest);
 // False for an empty hash. Takes the time of one hash in every case.
 KALVOR_SERVER bool digestMatches(const QString& hash, const QString& digest);
 
+// How many hashes this process has computed, for tests of what a log-in costs.
+KALVOR_SERVER quint64 hashesComputed();
+
 }  // namespace kalvor::server

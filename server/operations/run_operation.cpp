@@ -62,6 +62,18 @@ void requireActive(Connection& db, const Session& session)
   }
 }
 
+void requireSession(ServerCore& core, const Session& session)
+{
+  if (!session.loggedIn()) {
+    throw RpcError(RpcError::NotLoggedIn, QStringLiteral("Моля, влезте в системата."));
+  }
+  if (!core.state().touch(session)) {
+    throw RpcError(RpcError::NotLoggedIn,
+                   QStringLiteral("Сесията е прекратена, защото дълго време не е работено или паролата е сменена. "
+                                  "Въведеното не е записано; запишете си го и влезте отново в системата."));
+  }
+}
+
 // What a repeated call is answered with: the result and the var arguments.
 QByteArray keptAnswer(const Operation& operation, const Variant& result, const VariantArray& arguments)
 {
@@ -156,8 +168,8 @@ Variant runPatiently(CallContext& call, const Operation& operation, const QStrin
 Variant runChecked(ServerCore& core, Connection& db, Session& session, const Operation& operation,
                    VariantArray& arguments, const QString& requestId)
 {
-  if (operation.needsLogIn() && (!session.loggedIn() || !core.state().touch(session))) {
-    throw RpcError(RpcError::NotLoggedIn, QStringLiteral("Моля, влезте в системата."));
+  if (operation.needsLogIn()) {
+    requireSession(core, session);
   }
   checkArguments(operation, arguments);
   if (requestId.size() > 64) {

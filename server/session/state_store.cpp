@@ -12,20 +12,32 @@ namespace kalvor::server {
 
 namespace {
 
-constexpr qint64 sessionLifeSeconds = 24 * 3600;
 constexpr qint64 lockLifeSeconds = 30 * 60;   // since the holder's last call
 constexpr qint64 failureLifeSeconds = 15 * 60;
+constexpr qint64 logInLifeSeconds = 30 * 24 * 3600;
+constexpr qsizetype longestWho = 200;
 constexpr int providersPerSession = 2000;
 
 qint64 nowSeconds() { return QDateTime::currentSecsSinceEpoch(); }
 
-Migration stateTables()
+Migration stateMigration(int number, const QString& name)
 {
-  QFile file(QStringLiteral(":/state/state_tables.sql"));
+  QFile file(QStringLiteral(":/state/%1.sql").arg(name));
   if (!file.open(QIODevice::ReadOnly)) {
     throw StoreError(StoreError::Kind::Other, QStringLiteral("the tables of sessions are missing"));
   }
-  return {1, QStringLiteral("state"), QString::fromUtf8(file.readAll())};
+  return {number, name, QString::fromUtf8(file.readAll())};
+}
+
+QList<Migration> stateMigrations()
+{
+  return {stateMigration(1, QStringLiteral("state_tables")), stateMigration(2, QStringLiteral("state_session_limits"))};
+}
+
+// How many of so many failures are left after a while; 0 seconds: all, until they are forgotten together.
+qint64 failuresLeft(qint64 count, qint64 secondsAgo, int fadesEvery)
+{
+  return secondsAgo > failureLifeSeconds ? 0 : qMax<qint64>(0, fadesEvery > 0 ? count - secondsAgo / fadesEvery : count);
 }
 
 }  // namespace
@@ -39,11 +51,8 @@ StateStore::StateStore(const QString& database) : connection_(openDatabase(datab
 {
   connection_->setDurable(false);
   // In PostgreSQL these tables lie beside the company's.
-  migrate(*connection_, {stateTables()},
+  migrate(*connection_, stateMigrations(),
           connection_->dialect() == Dialect::Sqlite ? QStringLiteral("srv_Migration") : QStringLiteral("srv_StateMigration"));
-  connection_->execute(QStringLiteral("DELETE FROM srv_Session WHERE UsedAt < ?"), {nowSeconds() - sessionLifeSeconds});
-  connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE LastAt < ?"),
-                       {nowSeconds() - failureLifeSeconds});
 }
 
 StateStore::~StateStore() = default;
@@ -65,6 +74,17 @@ auto StateStore::step(Body body)
   }
 }
 
+void StateStore::setLimits(const SessionLimits& limits) { limits_ = limits; }
+
+void StateStore::removeWhatIsOver()
+{
+  const qint64 now = nowSeconds();
+  connection_->execute(QStringLiteral("DELETE FROM srv_Session WHERE UsedAt < ? OR CreatedAt < ?"),
+                       {now - limits_.idleSeconds, now - limits_.absoluteSeconds});
+  connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE LastAt < ?"), {now - failureLifeSeconds});
+  connection_->execute(QStringLiteral("DELETE FROM srv_LogInFrom WHERE LastAt < ?"), {now - logInLifeSeconds});
+}
+
 QString StateStore::openSession(Session& session)
 {
   QByteArray bytes(32, Qt::Uninitialized);
@@ -72,10 +92,13 @@ QString StateStore::openSession(Session& session)
   const QString text = QString::fromLatin1(bytes.toHex());
   session.token = sessionToken(text);
   return step([&] {
+    const qint64 now = nowSeconds();
+    removeWhatIsOver();
     connection_->execute(
-        QStringLiteral("INSERT INTO srv_Session (Token, User_Id, Comp_Id, BusinessGroup_Id, UsedAt) VALUES (?, ?, ?, ?, ?)"),
+        QStringLiteral("INSERT INTO srv_Session (Token, User_Id, Comp_Id, BusinessGroup_Id, UsedAt, CreatedAt) "
+                       "VALUES (?, ?, ?, ?, ?, ?)"),
         {session.token, session.userId, session.companyId, session.groupId.isNull() ? QStringLiteral("") : session.groupId,
-         nowSeconds()});
+         now, now});
     return text;
   });
 }
@@ -85,9 +108,11 @@ bool StateStore::resumeSession(const QString& text, Session& session)
   const QString token = sessionToken(text);
   return step([&] {
     auto row = connection_->prepare(
-        QStringLiteral("SELECT User_Id, Comp_Id, BusinessGroup_Id FROM srv_Session WHERE Token = ? AND UsedAt >= ?"));
+        QStringLiteral("SELECT User_Id, Comp_Id, BusinessGroup_Id FROM srv_Session "
+                       "WHERE Token = ? AND UsedAt >= ? AND CreatedAt >= ?"));
     row->bind(0, token);
-    row->bind(1, nowSeconds() - sessionLifeSeconds);
+    row->bind(1, nowSeconds() - limits_.idleSeconds);
+    row->bind(2, nowSeconds() - limits_.absoluteSeconds);
     if (!row->step()) {
       return false;
     }
@@ -103,9 +128,12 @@ bool StateStore::touch(const Session& session)
 {
   const qint64 now = nowSeconds();
   return step([&] {
-    auto row = connection_->prepare(QStringLiteral("SELECT UsedAt FROM srv_Session WHERE Token = ?"));
+    auto row = connection_->prepare(
+        QStringLiteral("SELECT UsedAt FROM srv_Session WHERE Token = ? AND UsedAt >= ? AND CreatedAt >= ?"));
     row->bind(0, session.token);
-    if (!row->step() || row->integer(0) + sessionLifeSeconds < now) {
+    row->bind(1, now - limits_.idleSeconds);
+    row->bind(2, now - limits_.absoluteSeconds);
+    if (!row->step()) {
       return false;
     }
     if (row->integer(0) + 60 <= now) {
@@ -193,32 +221,61 @@ void StateStore::unlockDocument(const Session& session, const QString& documentI
   });
 }
 
-StateStore::Failures StateStore::failures(const QString& who)
+StateStore::Failures StateStore::failures(const QString& who, int fadesEvery)
 {
   return step([&]() -> Failures {
     auto row = connection_->prepare(QStringLiteral("SELECT Count, LastAt FROM srv_LogInFailure WHERE Who = ?"));
-    row->bind(0, who);
-    if (!row->step() || row->integer(1) < nowSeconds() - failureLifeSeconds) {
+    row->bind(0, who.left(longestWho));
+    if (!row->step()) {
       return {};
     }
-    return {int(row->integer(0)), nowSeconds() - row->integer(1)};
+    const qint64 secondsAgo = nowSeconds() - row->integer(1);
+    const int left = int(failuresLeft(row->integer(0), secondsAgo, fadesEvery));
+    return left == 0 ? Failures{} : Failures{left, secondsAgo};
   });
 }
 
-void StateStore::noteFailure(const QString& who)
+void StateStore::noteFailure(const QString& who, int fadesEvery)
 {
   step([&] {
-    connection_->execute(
-        QStringLiteral("INSERT INTO srv_LogInFailure (Who, Count, LastAt) VALUES (?, 1, ?) "
-                       "ON CONFLICT (Who) DO UPDATE SET Count = srv_LogInFailure.Count + 1, LastAt = excluded.LastAt"),
-        {who.left(200), nowSeconds()});
+    Transaction transaction(*connection_);
+    const QString key = who.left(longestWho);
+    qint64 count = 1;
+    {
+      auto row = connection_->prepare(QStringLiteral("SELECT Count, LastAt FROM srv_LogInFailure WHERE Who = ?"));
+      row->bind(0, key);
+      if (row->step()) {
+        count += failuresLeft(row->integer(0), nowSeconds() - row->integer(1), fadesEvery);
+      }
+    }
+    connection_->execute(QStringLiteral("INSERT INTO srv_LogInFailure (Who, Count, LastAt) VALUES (?, ?, ?) ON CONFLICT (Who) "
+                                        "DO UPDATE SET Count = excluded.Count, LastAt = excluded.LastAt"),
+                         {key, count, nowSeconds()});
+    transaction.commit();
   });
 }
 
 void StateStore::clearFailures(const QString& who)
 {
   step([&] {
-    connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE Who = ?"), {who.left(200)});
+    connection_->execute(QStringLiteral("DELETE FROM srv_LogInFailure WHERE Who = ?"), {who.left(longestWho)});
+  });
+}
+
+bool StateStore::hasLoggedIn(const QString& who)
+{
+  return step([&] {
+    return !isNull(connection_->value(QStringLiteral("SELECT LastAt FROM srv_LogInFrom WHERE Who = ? AND LastAt >= ?"),
+                                      {who.left(longestWho), nowSeconds() - logInLifeSeconds}));
+  });
+}
+
+void StateStore::noteLogIn(const QString& who)
+{
+  step([&] {
+    connection_->execute(QStringLiteral("INSERT INTO srv_LogInFrom (Who, LastAt) VALUES (?, ?) "
+                                        "ON CONFLICT (Who) DO UPDATE SET LastAt = excluded.LastAt"),
+                         {who.left(longestWho), nowSeconds()});
   });
 }
 

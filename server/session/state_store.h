@@ -14,13 +14,14 @@ class KALVOR_SERVER StateStore {
  public:
   explicit StateStore(const QString& database);
   ~StateStore();
+  void setLimits(const SessionLimits& limits);  // before the first call
 
   // Opens a session and returns its text: 64 hex digits that only the client keeps. Fills session.token.
   QString openSession(Session& session);
-  // Finds the session of a text; false when there is none, or it has been silent for a day.
+  // Finds the session of a text; false when there is none, or it is beyond its limits.
   bool resumeSession(const QString& text, Session& session);
-  // That it was used now, noted at most once a minute. False when the session was closed, through whatever server, or
-  // has been silent for a day.
+  // That it was used now, noted at most once a minute. False when the session was closed, through whatever server, or is
+  // beyond its limits.
   bool touch(const Session& session);
   void closeSessionsOf(const QString& userId, const QString& companyId, const QString& exceptToken);
 
@@ -40,14 +41,21 @@ class KALVOR_SERVER StateStore {
     int count = 0;
     qint64 secondsAgo = 0;
   };
-  Failures failures(const QString& who);
-  void noteFailure(const QString& who);
+  // Failures are forgotten a quarter of an hour after the last one. With fadesEvery above 0 one of them is forgotten in
+  // so many seconds.
+  Failures failures(const QString& who, int fadesEvery = 0);
+  void noteFailure(const QString& who, int fadesEvery = 0);
   void clearFailures(const QString& who);
+  // Whether somebody has logged in within the last 30 days.
+  bool hasLoggedIn(const QString& who);
+  void noteLogIn(const QString& who);
 
  private:
   template <typename Body>
   auto step(Body body);
+  void removeWhatIsOver();
 
+  SessionLimits limits_;
   std::mutex mutex_;
   std::unique_ptr<Connection> connection_;
 };

@@ -14,10 +14,11 @@ constexpr int answerTimeoutMs = 5000;
 // Lives in the thread: what it calls blocks nobody.
 class LookupConnection : public QObject {
  public:
-  LookupConnection(const QString& address, quint16 port, QString session) : session_(std::move(session))
+  LookupConnection(const SocketConnection& server, QString session) : session_(std::move(session))
   {
-    place_.Address = address;
-    place_.Port = port;
+    place_.Address = server.Address;
+    place_.Port = server.Port;
+    place_.trust = server.trust;
     place_.connectTimeoutMs = place_.answerTimeoutMs = answerTimeoutMs;
   }
   LookupMatches find(const LookupQuestion& question)
@@ -57,7 +58,7 @@ class SessionLookups : public QObject {
       direct_ = std::make_unique<LookupFinder>(*session->ConBroker);
       return;
     }
-    connection_ = new LookupConnection(session->SocketCon.Address, session->SocketCon.Port, LocalData.ServerText);
+    connection_ = new LookupConnection(session->SocketCon, LocalData.ServerText);
     connection_->moveToThread(&thread_);
     connect(&thread_, &QThread::finished, connection_, &QObject::deleteLater);
     thread_.start();

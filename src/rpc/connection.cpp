@@ -1,6 +1,9 @@
 #include "rpc/connection.h"
 
-#include <QTcpSocket>
+#include <QCryptographicHash>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslSocket>
 #include <QThread>
 #include <exception>
 
@@ -43,7 +46,10 @@ struct ConnectionBroker::Private {
 
   bool open() const { return socket && socket->state() == QAbstractSocket::ConnectedState; }
   bool stillThere();
+  bool encrypts() const;
   void connectSocket();
+  void encrypt(QSslSocket& fresh);
+  [[noreturn]] void unreachable(const QString& why) const;
   void drop();
   void resume();
   void prepare();
@@ -104,17 +110,58 @@ void ConnectionBroker::Private::drop()
   inTransaction = false;
 }
 
+void ConnectionBroker::Private::unreachable(const QString& why) const
+{
+  throw RpcError(RpcError::Unreachable,
+                 QStringLiteral("Няма връзка със сървъра %1:%2: %3.").arg(place->Address).arg(place->Port).arg(why));
+}
+
+bool ConnectionBroker::Private::encrypts() const
+{
+  return place->trust ? place->trust->encrypts(place->Address, place->Port) : !isLoopbackAddress(place->Address);
+}
+
 void ConnectionBroker::Private::connectSocket()
 {
   drop();
-  auto fresh = std::make_unique<QTcpSocket>();
+  const bool secure = encrypts();
+  std::unique_ptr<QTcpSocket> fresh(secure ? new QSslSocket : new QTcpSocket);
   fresh->connectToHost(place->Address, place->Port);
   if (!fresh->waitForConnected(place->connectTimeoutMs))
-    throw RpcError(RpcError::Unreachable, QStringLiteral("Няма връзка със сървъра %1:%2: %3.")
-                                              .arg(place->Address).arg(place->Port).arg(whyOf(*fresh)));
+    unreachable(whyOf(*fresh));
   fresh->setSocketOption(QAbstractSocket::LowDelayOption, 1);
   fresh->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+  if (secure)
+    encrypt(static_cast<QSslSocket&>(*fresh));
   socket = std::move(fresh);
+}
+
+// The certificate counts by its fingerprint alone: who signed it, for which name and until when does not matter.
+void ConnectionBroker::Private::encrypt(QSslSocket& fresh)
+{
+  if (!QSslSocket::supportsSsl())
+    unreachable(QStringLiteral("на този компютър липсва библиотеката за защитени връзки (TLS)"));
+  QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+  configuration.setProtocol(QSsl::TlsV1_2OrLater);
+  configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
+  fresh.setSslConfiguration(configuration);
+  fresh.startClientEncryption();
+  if (!fresh.waitForEncrypted(place->connectTimeoutMs)) {
+    if (fresh.error() == QAbstractSocket::RemoteHostClosedError)
+      unreachable(QStringLiteral("сървърът не приема защитени връзки (TLS); ако е пуснат с --plaintext, стартирайте и "
+                                 "програмата с --plaintext"));
+    if (fresh.state() == QAbstractSocket::ConnectedState)
+      unreachable(QStringLiteral("сървърът не отговори навреме на договарянето на защитена връзка (TLS)"));
+    unreachable(QStringLiteral("защитената връзка (TLS) не може да бъде договорена: %1").arg(fresh.errorString()));
+  }
+  const QByteArray fingerprint = fresh.peerCertificate().digest(QCryptographicHash::Sha256);
+  if (!place->trust)
+    throw RpcError(RpcError::Untrusted, QStringLiteral("Сертификатът на сървъра %1:%2 не е познат.")
+                                            .arg(place->Address).arg(place->Port));
+  place->trust->check(place->Address, place->Port, fingerprint);
+  // A person may have thought about it for long.
+  if (fresh.state() != QAbstractSocket::ConnectedState)
+    unreachable(whyOf(fresh));
 }
 
 void ConnectionBroker::Private::resume()
@@ -144,8 +191,9 @@ void ConnectionBroker::Private::prepare()
 
 void ConnectionBroker::Private::send(const QByteArray& frame)
 {
+  const auto* secure = qobject_cast<QSslSocket*>(socket.get());
   bool sent = socket->write(frame) == frame.size();
-  while (sent && socket->bytesToWrite() > 0)
+  while (sent && (socket->bytesToWrite() > 0 || (secure && secure->encryptedBytesToWrite() > 0)))
     sent = socket->waitForBytesWritten(place->answerTimeoutMs);
   if (sent)
     return;
@@ -158,7 +206,7 @@ void ConnectionBroker::Private::send(const QByteArray& frame)
 void ConnectionBroker::Private::readMore()
 {
   if (socket->bytesAvailable() == 0 && !socket->waitForReadyRead(place->answerTimeoutMs)) {
-    const bool late = open() && socket->error() == QAbstractSocket::SocketTimeoutError;
+    const bool late = open();
     const QString why = whyOf(*socket);
     drop();
     if (late)

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "rpc/remote_calls.h"
+#include "rpc/server_trust.h"
 
 namespace kalvor {
 
@@ -17,8 +18,10 @@ class KALVOR_RPC SocketConnection {
   QString Address = QStringLiteral("127.0.0.1");
   quint16 Port = 2030;
   QString ServerName = QStringLiteral("KalvorServer.rdmKalvor");
-  int connectTimeoutMs = 5000;
+  int connectTimeoutMs = 5000;  // for the connection, and as much again for the handshake of TLS
   int answerTimeoutMs = 60000;  // without a byte of it
+  // Not owned. Null: encrypted beyond the loopback, and no certificate is trusted.
+  ServerTrust* trust = nullptr;
 };
 
 // `ConBroker`: every remote call and every provider goes through it. Synchronous, and at home in the thread

@@ -9,4 +9,9 @@ RpcError::RpcError(int code, QString text, QString incident)
 
 RpcError::~RpcError() = default;
 
+bool RpcError::mayHaveRun() const
+{
+  return code_ == Unreachable || code_ == Timeout || code_ == ConnectionLost || code_ == Untrusted || code_ == NotLoggedIn;
+}
+
 }  // namespace kalvor

@@ -24,6 +24,8 @@ TDM::TDM(HostApplication& host, std::unique_ptr<RemoteCalls> broker)
     : host_(host), broker_(broker ? std::move(broker) : std::make_unique<ConnectionBroker>(&SocketCon))
 {
   ConBroker = broker_.get();
+  SocketCon.trust = &Servers;
+  Servers.setBeforeQuestion([this] { showSplash(false); });
   cdsUserSettings.setObjectName(QStringLiteral("cdsUserSettings"));
   cdsTreeView.setObjectName(QStringLiteral("cdsTreeView"));
   if (KalvorClientINIFileName.isEmpty())

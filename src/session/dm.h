@@ -11,6 +11,7 @@
 #include "session/host_application.h"
 #include "session/item_params.h"
 #include "session/local_data.h"
+#include "session/trusted_servers.h"
 
 namespace kalvor {
 
@@ -39,6 +40,7 @@ class KALVOR_RULES TDM : public QObject {
 
   HostApplication& host() const { return host_; }
 
+  TrustedServers Servers;          // which servers are known; SocketCon asks it
   SocketConnection SocketCon;
   RemoteCalls* ConBroker;          // every remote call and every provider
   TClientDataSet cdsUserSettings;  // the user's row of s_UserSettings

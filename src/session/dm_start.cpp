@@ -43,22 +43,6 @@ QStringList settingsSection(const QString& section)
   return lines;
 }
 
-ServerPlace configuredPlace(const HostApplication& host)
-{
-  const QStringList server = settingsSection(QStringLiteral("Server"));
-  const QString port = valueOfLine(server, QStringLiteral("ServerPort"));
-  const QString address = valueOfLine(server, QStringLiteral("ServerAddress"));
-  const QString folder = host.systemSettingsFolder();
-  if ((!port.isEmpty() && !address.isEmpty()) || folder.isEmpty())
-    return {address, serverPort(port)};
-  const QString serviceFile = folder + QStringLiteral("KalvorWebService.ini");
-  LogError(serviceFile, QStringLiteral("TDM.SetUpRemoteCon"));
-  QStringList connection;
-  GetSectionFromIni(serviceFile, QStringLiteral("Connection"), connection, true);
-  return {valueOfLine(connection, QStringLiteral("Address")),
-          serverPort(valueOfLine(connection, QStringLiteral("Port")))};
-}
-
 struct CommandLineLogin {
   QString password;
 };
@@ -98,6 +82,24 @@ void rememberLogin(const QString& user, const QString& businessGroup, const QStr
 }
 
 }  // namespace
+
+ServerPlace configuredPlace(const HostApplication& host)
+{
+  const QStringList server = settingsSection(QStringLiteral("Server"));
+  const QString port = valueOfLine(server, QStringLiteral("ServerPort"));
+  const QString address = valueOfLine(server, QStringLiteral("ServerAddress"));
+  const QString folder = host.systemSettingsFolder();
+  // Nobody has named a server yet: the one on this machine.
+  const auto orThisMachine = [](const QString& named) { return named.isEmpty() ? QStringLiteral("127.0.0.1") : named; };
+  if ((!port.isEmpty() && !address.isEmpty()) || folder.isEmpty())
+    return {orThisMachine(address), serverPort(port)};
+  const QString serviceFile = folder + QStringLiteral("KalvorWebService.ini");
+  LogError(serviceFile, QStringLiteral("TDM.SetUpRemoteCon"));
+  QStringList connection;
+  GetSectionFromIni(serviceFile, QStringLiteral("Connection"), connection, true);
+  return {orThisMachine(valueOfLine(connection, QStringLiteral("Address"))),
+          serverPort(valueOfLine(connection, QStringLiteral("Port")))};
+}
 
 void TDM::showSplash(bool show)
 {
@@ -153,8 +155,7 @@ bool TDM::SetUpRemoteCon()
     ConBroker->Disconnect();
     const ServerPlace place = configuredPlace(host_);
     SocketCon.Port = place.port;
-    // Nobody has named a server yet: the one on this machine.
-    SocketCon.Address = place.address.isEmpty() ? QStringLiteral("127.0.0.1") : place.address;
+    SocketCon.Address = place.address;
     ConBroker->Connect();
     return ConBroker->Connected();
   } catch (const std::exception& error) {
@@ -173,7 +174,8 @@ bool TDM::logIn(QString& user, const QString& password, QString& businessGroup, 
   try {
     const Variant answer = ConBroker->Call(QStringLiteral("LogIn"), arguments);
     result = isNull(answer) ? quitCode - 1 : answer.toInt();
-  } catch (const std::exception&) {
+  } catch (const std::exception& error) {
+    LogError(errorText(error), QStringLiteral("TDM.logIn"));
     return false;
   }
   user = variantText(arguments[0]);

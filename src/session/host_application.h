@@ -60,6 +60,9 @@ class KALVOR_RULES HostApplication {
   virtual QString systemSettingsFolder() const;     // with the separator at its end; empty = there is none
 };
 
+// Where the settings of this workplace, or else of the machine, say that the server is; else the loopback.
+KALVOR_RULES ServerPlace configuredPlace(const HostApplication& host);
+
 // The port when the text is no number between 1 and 65535: 2030.
 KALVOR_RULES quint16 serverPort(const QString& text);
 

@@ -110,6 +110,14 @@ void IniFile::setKey(const QString& section, const QString& name, const QString&
   lines_.insert(end, name + u'=' + iniValueText(value));
 }
 
+void IniFile::removeKey(const QString& section, const QString& name)
+{
+  const qsizetype header = find(section);
+  for (qsizetype i = header < 0 ? -1 : endOf(header) - 1; i > header; --i)
+    if (iniKeyOf(lines_.at(i)).compare(name, Qt::CaseInsensitive) == 0)
+      lines_.removeAt(i);
+}
+
 void IniFile::clearSection(const QString& section)
 {
   const qsizetype header = find(section);

@@ -19,6 +19,7 @@ class KALVOR_RULES IniFile {
   QStringList section(const QString& name) const;
   // Puts the key at the end of the section (made when missing); an earlier one of that name goes.
   void setKey(const QString& section, const QString& name, const QString& value);
+  void removeKey(const QString& section, const QString& name);
   void clearSection(const QString& section);  // its keys; comments stay
 
  private:

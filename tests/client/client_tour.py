@@ -13,10 +13,11 @@ def expect(what, holds):
 
 
 @contextlib.contextmanager
-def served(bin_dir, database, log):
+def served(bin_dir, database, log, *options):
     """The address of a server over the database; it ends with the block."""
     with open(log, "w") as errors:
-        server = subprocess.Popen([os.path.join(bin_dir, "kalvor-server"), "serve", "--db", database, "--port", "0"],
+        server = subprocess.Popen([os.path.join(bin_dir, "kalvor-server"), "serve", "--db", database, "--port", "0",
+                                   *options],
                                   stdout=subprocess.PIPE, text=True, stderr=errors)
     try:
         port = re.search(r":(\d+)\s*$", server.stdout.readline()).group(1)

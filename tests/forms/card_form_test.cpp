@@ -196,6 +196,26 @@ class CardFormTest : public QObject {
     QVERIFY(windowOf(list)->close());
   }
 
+  void anEndedSessionKeepsWhatWasTyped()
+  {
+    Desk desk;
+    auto* list = desk.open<TfBrContragent>(contragents);
+    const Variant id = list->cdsMaster()->FieldByName(u"Id")->Value();
+    auto* card = desk.open<TfEdContragent>(contragentCard, so_EditRecord, idIs(id));
+    typeInto(card, QStringLiteral("Contact"), QStringLiteral("През нощта"));
+    demoServer()->core().state().closeSessionsOf(QStringLiteral("SUPERVSR"), QStringLiteral("1"), QString());
+    for (int tries = 0; tries < 2; ++tries) {
+      card->execute(QStringLiteral("acSave"));
+      const QStringList said = desk.prompt.takeMessages();
+      QCOMPARE(said.size(), 1);
+      QVERIFY2(said.first().startsWith(QStringLiteral("Сесията е прекратена")), qPrintable(said.first()));
+      QVERIFY(!card->lastSaveSucceeded() && card->isVisible() && card->action(QStringLiteral("acSave"))->isEnabled());
+      QCOMPARE(qobject_cast<QLineEdit*>(controlOf(card, QStringLiteral("Contact")))->text(), QStringLiteral("През нощта"));
+      QCOMPARE(card->cdsMaster()->FieldByName(u"Contact")->AsString(), QStringLiteral("През нощта"));
+    }
+    card->execute(QStringLiteral("acCancel"));
+  }
+
   void actionsFollowTheState()
   {
     Desk desk;

@@ -121,9 +121,7 @@ bool TfBaseEdit::sendChanges(const QList<SaveDataSet>& dataSets)
   try {
     taken = updateClientData(packet, numbering, requestId);
   } catch (const RpcError& error) {
-    const bool answerLost = error.code() == RpcError::Unreachable || error.code() == RpcError::Timeout ||
-                            error.code() == RpcError::ConnectionLost;
-    if (!answerLost) {
+    if (!error.mayHaveRun()) {
       saveRequest_->answered();
     }
     throw;

@@ -222,6 +222,9 @@ void TfLogin::editConnection()
     const WaitCursorScope waiting;
     calls_.Disconnect();
     calls_.Connect();
+  } catch (const RpcError& error) {
+    // Why a server is not trusted says more than that there is none.
+    return showError(error.code() == RpcError::Untrusted ? error.message() : _inf_ServerNotFound);
   } catch (const std::exception&) {
     return showError(_inf_ServerNotFound);
   }

@@ -184,10 +184,16 @@ bool TfSettings::TestConnection(int port, const QString& address)
   SocketConnection socket;
   socket.Address = address.trimmed();
   socket.Port = quint16(port);
+  TrustedServers own;
+  socket.trust = DM ? &DM->Servers : &own;
   ConnectionBroker broker(&socket);
   const WaitCursorScope waiting;
   try {
     broker.Connect();
+  } catch (const RpcError& error) {
+    if (error.code() == RpcError::Untrusted)
+      showError(error.message());
+    return false;
   } catch (const std::exception&) {
     return false;
   }
