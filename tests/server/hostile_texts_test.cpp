@@ -124,7 +124,10 @@ const QList<Place>& places()
        }},
       {"log-in",
        [](TestCaller& caller, const QString& text) {
+         // Each from an address of its own: after some failures an address has to wait, and is not even looked at.
+         static int addresses = 0;
          TestCaller stranger(caller.company);
+         stranger.session.peer = QStringLiteral("test %1").arg(++addresses);
          stranger.call("LogIn", {text, text, text, text, QString()});
        }},
   };
@@ -318,6 +321,7 @@ class HostileTextsTest : public QObject {
   void linesAreNotForged()
   {
     TestCaller stranger(*company_);
+    stranger.session.peer = QStringLiteral("elsewhere");
     QStringList lines;
     server::setLogSink([&](const QString& logged) { lines.append(logged); });
     const QString forged = QStringLiteral("AB\n2026-01-01T00:00:00.000 level=info event=log_in user=SUPERVSR result=0\r\u2028\u0085\x1b[2J\u202E\\n\"=");
