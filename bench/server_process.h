@@ -58,8 +58,10 @@ class Workstation {
         QStringLiteral("1"), QString()};
     if (broker_.Call(QStringLiteral("LogIn"), arguments).toInt() != 0)
       throw DataError(QStringLiteral("log-in"));
-    broker_.setSession(arguments[4].toString());
+    session_ = arguments[4].toString();
+    broker_.setSession(session_);
   }
+  const QString& session() const { return session_; }
   ConnectionBroker& broker() { return broker_; }
 
   QString newProvider()
@@ -77,6 +79,7 @@ class Workstation {
 
  private:
   SocketConnection socket_;
+  QString session_;
   ConnectionBroker broker_;
 };
 

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <algorithm>
 #include <cstdio>
 #include <sys/stat.h>
 
@@ -10,20 +11,54 @@ namespace kalvor::server {
 
 namespace {
 
-// Quoted, without line ends, so that no value can pass for another line or pair.
+LogSink& currentSink()
+{
+  static LogSink sink;
+  return sink;
+}
+
+// Ends a line, moves the cursor or turns the direction of writing, or is none at all.
+bool isUnfit(QChar c)
+{
+  return c.category() == QChar::Other_Control || c.category() == QChar::Other_Format || c.category() == QChar::Separator_Line ||
+         c.category() == QChar::Separator_Paragraph || c.category() == QChar::Other_NotAssigned;
+}
+
+QString escaped(QChar c)
+{
+  switch (c.unicode()) {
+    case u'\\': return QStringLiteral("\\\\");
+    case u'\n': return QStringLiteral("\\n");
+    case u'\r': return QStringLiteral("\\r");
+    case u'\t': return QStringLiteral("\\t");
+    default: break;
+  }
+  return c.unicode() < 0x100 ? QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'))
+                             : QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+}
+
+// In quotes where it is not plain, so that no value can pass for another line or pair.
 QString loggedValue(const QString& value)
 {
-  QString text = value.left(1000);
-  for (QChar& c : text) {
-    // Marks of writing direction among them: they would show a line in another order than it has.
-    const QChar::Category category = c.category();
-    if (category == QChar::Other_Control || category == QChar::Other_Format || category == QChar::Separator_Line ||
-        category == QChar::Separator_Paragraph) {
-      c = u' ';
+  constexpr qsizetype longest = 1000;
+  QString text;
+  qsizetype i = 0;
+  for (; i < value.size() && text.size() < longest; ++i) {
+    const QChar c = value.at(i);
+    const bool pair = c.isHighSurrogate() && i + 1 < value.size() && value.at(i + 1).isLowSurrogate();
+    if (pair) {
+      text += value.mid(i++, 2);
+    } else if (c == u'\\' || c.isSurrogate() || isUnfit(c)) {
+      text += escaped(c);
+    } else {
+      text += c == u'"' ? QChar(u'\'') : c;
     }
   }
-  text.replace(u'"', u'\'');
-  const bool plain = !text.isEmpty() && !text.contains(u' ') && !text.contains(u'=');
+  if (i < value.size()) {
+    text += u'\u2026';
+  }
+  const bool plain = !text.isEmpty() && !text.contains(u'=') &&
+                     std::none_of(text.begin(), text.end(), [](QChar c) { return c.isSpace(); });
   return plain ? text : u'"' + text + u'"';
 }
 
@@ -37,6 +72,8 @@ bool journalReads()
 
 }  // namespace
 
+void setLogSink(LogSink sink) { currentSink() = std::move(sink); }
+
 void logEvent(LogLevel level, const char* event, std::initializer_list<LogPair> pairs)
 {
   static constexpr const char* levels[] = {"info", "warning", "error"};
@@ -47,6 +84,10 @@ void logEvent(LogLevel level, const char* event, std::initializer_list<LogPair> 
       .arg(QLatin1StringView(levels[int(level)]), QLatin1StringView(event));
   for (const auto& [name, value] : pairs) {
     line += u' ' + QLatin1StringView(name) + u'=' + loggedValue(value);
+  }
+  if (const LogSink& sink = currentSink()) {
+    sink(line);
+    return;
   }
   line += u'\n';
   const QByteArray bytes = line.toUtf8();

@@ -124,7 +124,7 @@ void ApplicationServer::start()
              {{"address", d->options.address},
               {"warning", QStringLiteral("passwords and data cross the network unencrypted")}});
   }
-  auto io = std::make_unique<IoServer>(d->core, d->options.workers);
+  auto io = std::make_unique<IoServer>(d->core, d->options.workers, d->options.limits);
   if (certificate) {
     io->encryptWith(*certificate);
   }

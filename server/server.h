@@ -6,6 +6,7 @@
 
 #include "layer_export.h"
 #include "server/net/certificate.h"
+#include "server/net/connection_limits.h"
 #include "server/session/session.h"
 
 namespace kalvor::server {
@@ -23,6 +24,7 @@ struct ServerOptions {
   SessionLimits sessions;
   int workers = 3;                                // threads that answer reading calls
   int metricsPort = -1;                           // health and figures on the loopback; -1: none, 0: any free port
+  ConnectionLimits limits;
 };
 
 // The files of the certificate that a server with these options shows. Throws std::runtime_error when only one of the

@@ -2,6 +2,7 @@
 
 #include "server/store/database.h"
 #include "server/store/migrations.h"
+#include "server/store/reader_role.h"
 
 namespace kalvor::server {
 
@@ -19,7 +20,9 @@ ServerCore::Databases ServerCore::Databases::of(const QString& name)
 
 ServerCore::ServerCore(Databases databases) : databases_(std::move(databases)), state_(databases_.state)
 {
-  migrate(*openWriter());
+  const auto writer = openWriter();
+  migrate(*writer);
+  grantReading(*writer);
 }
 
 std::unique_ptr<Connection> ServerCore::openReader() const

@@ -1,14 +1,10 @@
 #include "server/catalogue/catalogue.h"
 
+#include "server/store/asked_rules.h"
+
 namespace kalvor::server {
 
 namespace {
-
-struct SecretColumn {
-  const char* table;
-  const char* column;
-};
-constexpr SecretColumn secretColumns[] = {{"N_Users", "PasswordHash"}};
 
 // Tables whose key is the company.
 constexpr const char* companyTables[] = {"N_Company", "C_CompanySetup", "C_SalesSetup"};
@@ -24,14 +20,10 @@ Catalogue Catalogue::read(Connection& connection)
 {
   Catalogue catalogue;
   for (TableInfo& table : readTables(connection)) {
-    if (table.name.startsWith(QLatin1StringView("srv_"), Qt::CaseInsensitive)) {
+    if (isServerTable(table.name)) {
       continue;
     }
-    for (const SecretColumn& secret : secretColumns) {
-      if (sameName(table.name, secret.table)) {
-        table.columns.removeIf([&](const ColumnInfo& column) { return sameName(column.name, secret.column); });
-      }
-    }
+    table.columns.removeIf([&](const ColumnInfo& column) { return isSecretColumn(table.name, column.name); });
     const QString key = table.name.toCaseFolded();
     catalogue.tables_.insert(key, std::move(table));
   }

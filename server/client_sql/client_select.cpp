@@ -89,10 +89,8 @@ Fragment selectList(const ClientSelect& select, const SelectScope& scope)
 {
   Fragment list;
   for (const SelectColumn& column : select.columns) {
+    // Its name in the result stays here: rows are answered without names, and no word of the client's is to go further.
     list += QLatin1StringView(list.isEmpty() ? "" : ", ") + scope.column(column);
-    if (!column.name.isEmpty()) {
-      list += QStringLiteral(" AS ") + quotedName(column.name);
-    }
   }
   return list;
 }

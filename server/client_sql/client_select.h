@@ -10,7 +10,7 @@ namespace kalvor::server {
 struct SelectColumn {
   QString table;    // may be empty: the one table that has the column
   QString column;
-  QString name;     // in the result; empty: the column's
+  QString name;     // after AS: read, and left out of the statement
 };
 
 struct ColumnPair {
@@ -23,6 +23,11 @@ struct SelectJoin {
   bool left = false;        // LEFT JOIN, else INNER JOIN
   QList<ColumnPair> equal;  // ON a = b AND ...
 };
+
+// More of these no statement may have.
+constexpr qsizetype maxSelectColumns = 500;
+constexpr qsizetype maxSelectJoins = 16;
+constexpr qsizetype maxJoinEqualities = 16;
 
 struct ClientSelect {
   QList<SelectColumn> columns;

@@ -24,13 +24,13 @@ class ClientSelectParser : public ClientSqlParser {
         return false;
       }
       select.columns.append(item);
-    } while (symbol(","));
+    } while (select.columns.size() < maxSelectColumns && symbol(","));
     return true;
   }
 
   bool joins(ClientSelect& select)
   {
-    while (isWord("INNER") || isWord("LEFT") || isWord("JOIN")) {
+    while (select.joins.size() < maxSelectJoins && (isWord("INNER") || isWord("LEFT") || isWord("JOIN"))) {
       SelectJoin join;
       join.left = word("LEFT");
       if (join.left) {
@@ -47,7 +47,7 @@ class ClientSelectParser : public ClientSqlParser {
           return false;
         }
         join.equal.append(pair);
-      } while (word("AND"));
+      } while (join.equal.size() < maxJoinEqualities && word("AND"));
       select.joins.append(join);
     }
     return true;

@@ -54,10 +54,21 @@ std::optional<QHash<QString, QString>> matchTemplate(const QString& statement, c
   return at == tokens->size() ? std::optional(values) : std::nullopt;
 }
 
-QString withoutTexts(const QString& statement)
+QString withoutValues(const QString& statement)
 {
   static const QRegularExpression text(QStringLiteral("'[^']*('|$)"));
-  return statement.left(2000).replace(text, QStringLiteral("'?'")).left(300);
+  static const QRegularExpression dollarText(QStringLiteral("\\$(\\w*)\\$.*?(\\$\\1\\$|$)"),
+                                             QRegularExpression::DotMatchesEverythingOption);
+  static const QRegularExpression name(QStringLiteral("\"(?!\\w{1,64}\")[^\"]*(\"|$)"),
+                                       QRegularExpression::UseUnicodePropertiesOption);
+  static const QRegularExpression number(QStringLiteral("(?<![\\w.])\\d+(\\.\\d+)?(?!\\w)"),
+                                         QRegularExpression::UseUnicodePropertiesOption);
+  return statement.left(2000)
+      .replace(text, QStringLiteral("'?'"))
+      .replace(dollarText, QStringLiteral("'?'"))
+      .replace(name, QStringLiteral("\"?\""))
+      .replace(number, QStringLiteral("?"))
+      .left(300);
 }
 
 }  // namespace kalvor::server

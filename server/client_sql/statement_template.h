@@ -12,7 +12,8 @@ namespace kalvor::server {
 // stand for the same. Nothing when the statement differs anywhere.
 KALVOR_SERVER std::optional<QHash<QString, QString>> matchTemplate(const QString& statement, const char* pattern);
 
-// The beginning of a statement for the log: what stands in quotes is left out.
-KALVOR_SERVER QString withoutTexts(const QString& statement);
+// The beginning of a statement for the log, at most 300 characters: ? stands for every text and number, and for a name
+// in quotes that is none.
+KALVOR_SERVER QString withoutValues(const QString& statement);
 
 }  // namespace kalvor::server

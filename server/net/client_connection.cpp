@@ -12,6 +12,7 @@ namespace kalvor::server {
 namespace {
 
 constexpr size_t maxWaitingCalls = 16;
+constexpr qint64 maxWaitingBytes = 1024 * 1024;  // of whole calls behind the one under way; one may be larger
 constexpr qint64 maxUnsentBytes = 8 * 1024 * 1024;
 constexpr qint64 socketBuffer = 1024 * 1024;
 constexpr int handshakeMs = 5000;
@@ -37,10 +38,11 @@ ClientConnection::ClientConnection(QTcpSocket* socket, quint64 id, CallService& 
   socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
   socket_->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
   peer_->id = id;
-  peer_->session.peer = socket_->peerAddress().toString();
+  address_ = socket_->peerAddress().toString();
+  peer_->session.peer = address_;
   silence_.start();
   connect(socket_, &QTcpSocket::readyRead, this, &ClientConnection::readBytes);
-  connect(socket_, &QTcpSocket::bytesWritten, this, &ClientConnection::startNext);
+  connect(socket_, &QTcpSocket::bytesWritten, this, &ClientConnection::noteSent);
   connect(socket_, &QTcpSocket::disconnected, this, [this] { emit gone(id_); });
   if (secure_) {
     beginEncryption(*secure_);
@@ -50,7 +52,7 @@ ClientConnection::ClientConnection(QTcpSocket* socket, quint64 id, CallService& 
 // The handshake itself waits for the first byte, which tells a client that does not encrypt.
 void ClientConnection::beginEncryption(QSslSocket& socket)
 {
-  connect(&socket, &QSslSocket::encryptedBytesWritten, this, &ClientConnection::startNext);
+  connect(&socket, &QSslSocket::encryptedBytesWritten, this, &ClientConnection::noteSent);
   connect(&socket, &QSslSocket::encrypted, this, [this] { silence_.restart(); });
   connect(&socket, &QSslSocket::errorOccurred, this, [this, &socket](QAbstractSocket::SocketError error) {
     if (error == QAbstractSocket::SslHandshakeFailedError) {
@@ -107,21 +109,44 @@ void ClientConnection::refusePlaintext()
   socket_->disconnectFromHost();
 }
 
+bool ClientConnection::hasRoom() const { return waiting_.size() < maxWaitingCalls && waitingBytes_ < maxWaitingBytes; }
+
+void ClientConnection::takeCalls()
+{
+  while (hasRoom()) {
+    const auto item = reader_.next();
+    if (!item) {
+      break;
+    }
+    waiting_.push_back(item->toByteArray());
+    waitingBytes_ += item->size();
+    everCalled_ = true;
+    incoming_.invalidate();
+  }
+  if (reader_.buffered() > 0 && !incoming_.isValid()) {
+    incoming_.start();
+  }
+}
+
 void ClientConnection::readFrames()
 {
-  while (waiting_.size() < maxWaitingCalls && socket_->bytesAvailable() > 0) {
+  if (paused_ && incoming_.isValid()) {
+    // Nobody took what the client sent meanwhile.
+    incoming_.restart();
+  }
+  takeCalls();
+  while (hasRoom() && !reader_.broken() && socket_->bytesAvailable() > 0) {
     const qint64 size = socket_->bytesAvailable();
     const qint64 got = socket_->read(reader_.writeBuffer(qsizetype(size)), size);
     reader_.bytesWritten(qsizetype(qMax<qint64>(0, got)));
-    while (const auto item = reader_.next()) {
-      waiting_.push_back(item->toByteArray());
-    }
-    if (reader_.broken()) {
-      logEvent(LogLevel::Warning, "bad_frame", {{"peer", peer_->session.peer}, {"reason", QStringLiteral("length")}});
-      drop();
-      return;
-    }
+    takeCalls();
   }
+  if (reader_.broken()) {
+    logEvent(LogLevel::Warning, "bad_frame", {{"peer", address_}, {"reason", QStringLiteral("length")}});
+    drop();
+    return;
+  }
+  paused_ = !hasRoom();
   startNext();
 }
 
@@ -138,6 +163,7 @@ void ClientConnection::startNext()
   busy_ = true;
   QByteArray item = std::move(waiting_.front());
   waiting_.pop_front();
+  waitingBytes_ -= item.size();
   service_.handle(peer_, std::move(item));
 }
 
@@ -150,10 +176,36 @@ void ClientConnection::finished(const QByteArray& answer)
     return;
   }
   if (peer_->session.loggedIn()) {
+    user_ = peer_->session.userId;
     reader_.setMaxBytes(FrameLimits::ofServer().maxBytes);
   }
+  if (!outgoing_.isValid()) {
+    outgoing_.start();
+  }
+  outgoingBytes_ += answer.size();
   socket_->write(answer);
   readFrames();
+}
+
+void ClientConnection::noteSent()
+{
+  if (unsentBytes() == 0) {
+    outgoing_.invalidate();
+    outgoingBytes_ = 0;
+  }
+  // What was not read while answers waited may go on now.
+  if (readsPlainly()) {
+    readFrames();
+  }
+}
+
+bool ClientConnection::stalled(const ConnectionLimits& limits) const
+{
+  const auto tooSlow = [&](const QElapsedTimer& since, qint64 bytes) {
+    return since.isValid() && since.elapsed() > limits.transferMs + bytes * 1000 / limits.bytesASecond;
+  };
+  // While calls wait for their turn nothing is read, so that what has not come is not the client's fault.
+  return (!paused_ && tooSlow(incoming_, reader_.buffered())) || tooSlow(outgoing_, qMax<qint64>(0, outgoingBytes_ - unsentBytes()));
 }
 
 }  // namespace kalvor::server

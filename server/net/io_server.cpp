@@ -12,9 +12,7 @@ namespace kalvor::server {
 namespace {
 
 constexpr qsizetype maxConnections = 1000;
-constexpr qint64 silentBeforeLogInMs = 30 * 60 * 1000;
 constexpr qint64 silentInTransactionMs = 30 * 1000;
-constexpr int lookAfterEveryMs = 5000;
 
 // A key in PEM does not name its algorithm to the toolkit.
 QSslKey keyOf(const QByteArray& pem)
@@ -47,8 +45,8 @@ void Listener::incomingConnection(qintptr descriptor)
   addPendingConnection(socket);
 }
 
-IoServer::IoServer(ServerCore& core, int workers)
-    : service_(core, workers, [this](const PeerPtr& peer, QByteArray answer) {
+IoServer::IoServer(ServerCore& core, int workers, const ConnectionLimits& limits)
+    : limits_(limits), service_(core, workers, [this](const PeerPtr& peer, QByteArray answer) {
         QMetaObject::invokeMethod(this, [this, peer, answer = std::move(answer)] { finished(peer, answer); },
                                   Qt::QueuedConnection);
       })
@@ -61,7 +59,7 @@ IoServer::~IoServer() { service_.stop(); }
 
 QString IoServer::listen(const QHostAddress& address, quint16 port)
 {
-  timer_.start(lookAfterEveryMs);
+  timer_.start(limits_.lookAfterEveryMs);
   return server_.listen(address, port) ? QString() : server_.errorString();
 }
 
@@ -103,8 +101,7 @@ QByteArray IoServer::figures()
 void IoServer::accept()
 {
   while (QTcpSocket* socket = server_.nextPendingConnection()) {
-    if (!makeRoom()) {
-      logEvent(LogLevel::Warning, "too_many_connections");
+    if (!mayConnect(socket->peerAddress().toString()) || !makeRoom()) {
       socket->abort();
       socket->deleteLater();
       continue;
@@ -125,6 +122,24 @@ void IoServer::accept()
   }
 }
 
+// Nobody takes the places of everybody: so many connections an address, fewer of those that have not logged in.
+bool IoServer::mayConnect(const QString& peer) const
+{
+  int all = 0;
+  int strangers = 0;
+  for (const ClientConnection* connection : connections_) {
+    if (connection->address() == peer) {
+      ++all;
+      strangers += !connection->knownUser();
+    }
+  }
+  if (all < limits_.ofOnePeer && strangers < limits_.beforeLogInOfOnePeer) {
+    return true;
+  }
+  logEvent(LogLevel::Warning, "too_many_connections", {{"peer", peer}, {"all", QString::number(all)}});
+  return false;
+}
+
 // When all places are taken, whoever has not logged in and has been silent longest goes: nobody can fill the server
 // with connections that say nothing.
 bool IoServer::makeRoom()
@@ -141,6 +156,8 @@ bool IoServer::makeRoom()
   }
   if (oldest) {
     oldest->drop();
+  } else {
+    logEvent(LogLevel::Warning, "too_many_connections");
   }
   return oldest;
 }
@@ -157,13 +174,19 @@ void IoServer::finished(const PeerPtr& peer, const QByteArray& answer)
 void IoServer::lookAfterConnections()
 {
   for (ClientConnection* connection : connections_.values()) {
+    if (connection->stalled(limits_)) {
+      logEvent(LogLevel::Warning, "stalled", {{"peer", connection->address()}, {"user", connection->user()}});
+      connection->drop();
+      continue;
+    }
     if (connection->busy()) {
       continue;
     }
     const PeerPtr& peer = connection->peer();
     if (peer->inTransaction && connection->silentMs() > silentInTransactionMs) {
       service_.abandonTransaction(peer);
-    } else if (!peer->session.loggedIn() && connection->silentMs() > silentBeforeLogInMs) {
+    } else if (!connection->knownUser() &&
+               connection->silentMs() > (connection->everCalled() ? limits_.silentBeforeLogInMs : limits_.firstCallMs)) {
       connection->drop();
     }
   }

@@ -24,7 +24,7 @@ class Listener : public QTcpServer {
 class IoServer : public QObject {
   Q_OBJECT
  public:
-  IoServer(ServerCore& core, int workers);
+  IoServer(ServerCore& core, int workers, const ConnectionLimits& limits = {});
   ~IoServer() override;
 
   // Before listening: TLS 1.2 or newer with this certificate. Throws std::runtime_error when there is no TLS.
@@ -38,10 +38,12 @@ class IoServer : public QObject {
 
  private:
   void accept();
+  bool mayConnect(const QString& peer) const;
   bool makeRoom();
   void finished(const PeerPtr& peer, const QByteArray& answer);
   void lookAfterConnections();
 
+  ConnectionLimits limits_;
   Listener server_{this};
   QTimer timer_{this};
   QHash<quint64, ClientConnection*> connections_;

@@ -9,7 +9,7 @@ namespace kalvor::server {
 // Refused) when the user may not do that.
 std::optional<int> runOwnStatement(CallContext& call, const QString& statement);
 
-// Logs the statement without its texts and throws RpcError (Refused).
-[[noreturn]] void refuseStatement(const CallContext& call, const QString& statement);
+// Throws RpcError (Refused).
+[[noreturn]] void refuseStatement();
 
 }  // namespace kalvor::server

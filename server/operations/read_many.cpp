@@ -1,6 +1,7 @@
 // Many small reads in one call, so that whoever asks about a whole document does not wait for each answer.
 #include "rpc/rpc_error.h"
 #include "server/operations/handlers.h"
+#include "server/operations/refusal_log.h"
 
 namespace kalvor::server {
 
@@ -31,7 +32,8 @@ Variant answerOf(CallContext& call, const Variant& question)
     CallContext one{call.core, call.session, call.db, call.metadata, arguments};
     const Variant result = operation->handler(one);
     return Variant(VariantArray{result, Variant(arguments)});
-  } catch (const RpcError&) {
+  } catch (const RpcError& error) {
+    logRefusal(call.session, *operation, arguments, error);
     return {};  // asked alone it says why
   }
 }

@@ -21,14 +21,14 @@ struct ValueRows {
 // All rows, or the first two: enough to tell one match from several.
 ValueRows readValueRows(Connection& db, const Fragment& sql, bool allRows)
 {
-  auto statement = db.prepare(sql.sql + QStringLiteral(" LIMIT ?"));
+  auto statement = db.prepare(sql.sql + QStringLiteral(" LIMIT ?"), StatementUse::Asked);
   for (int i = 0; i < sql.values.size(); ++i) {
     statement->bind(i, sql.values.at(i));
   }
   statement->bind(int(sql.values.size()), qlonglong(allRows ? maxValueRows + 1 : 2));
   ValueRows result;
-  result.columns = statement->columnCount();
   while (statement->step()) {
+    result.columns = statement->columnCount();
     VariantArray row;
     for (int i = 0; i < result.columns; ++i) {
       row.append(statement->value(i));
@@ -64,7 +64,7 @@ std::optional<ValueRows> runProcedure(CallContext& call, const QString& statemen
 ValueRows runSelect(CallContext& call, const std::optional<ClientSelect>& select, const FilterArray& filter, bool allRows)
 {
   if (!select) {
-    refuseStatement(call, call.text(1) + u' ' + call.text(2));
+    refuseStatement();
   }
   return readValueRows(call.db, clientSelectStatement(call.access(), *select, filter), allRows);
 }
@@ -85,7 +85,11 @@ ValueRows runQuery(CallContext& call, const FilterArray& filter, bool allRows)
                                   {QStringLiteral("Bg_Id"), call.session.groupId}};
   const QueryFields fields(*query, parameters);
   Fragment list;
-  for (const QString& name : call.text(2).split(u',')) {
+  const QStringList names = call.text(2).split(u',');
+  if (names.size() > maxSelectColumns) {
+    refuseStatement();
+  }
+  for (const QString& name : names) {
     const auto field = fields.resolve(name.trimmed());
     if (!field) {
       throw RpcError(RpcError::Refused, QStringLiteral("Непозната колона „%1“ в заявка номер %2.").arg(name.trimmed().left(64)).arg(query->id));

@@ -4,6 +4,7 @@
 #include "rpc/rpc_error.h"
 #include "server/log.h"
 #include "server/operations/operation.h"
+#include "server/operations/refusal_log.h"
 
 namespace kalvor::server {
 
@@ -22,7 +23,8 @@ bool fits(Shape shape, const Variant& value)
   const bool simple = isNull(value) || (!isList && value.typeId() != QMetaType::QByteArray &&
                                         value.typeId() < int(QMetaType::User));
   switch (shape) {
-    case Shape::Text: return simple;
+    // No database keeps a text with the character 0 as it is.
+    case Shape::Text: return simple && !variantText(value).contains(QChar::Null);
     case Shape::Whole: return simple && isWholeNumber(value);
     case Shape::Flag: return simple;
     case Shape::List: return isList;
@@ -205,7 +207,8 @@ Variant runOperation(ServerCore& core, Connection& db, Session& session, const O
 {
   try {
     return runChecked(core, db, session, operation, arguments, requestId);
-  } catch (const RpcError&) {
+  } catch (const RpcError& error) {
+    logRefusal(session, operation, arguments, error);
     throw;
   } catch (const StoreError& error) {
     throw storeFailure(operation, error);

@@ -19,7 +19,7 @@ void runStatement(CallContext& call, ChangeWriter& writer, const QString& statem
   } else if (const auto change = parseClientChange(statement)) {
     writer.write(*change);
   } else {
-    refuseStatement(call, statement);
+    refuseStatement();
   }
 }
 
@@ -30,7 +30,7 @@ Variant callExecMultySql(CallContext& call)
 {
   const auto statements = statementsOf(call.text(0));
   if (!statements) {
-    refuseStatement(call, call.text(0));
+    refuseStatement();
   }
   if (statements->size() > maxBatchStatements) {
     throw RpcError(RpcError::Refused, QStringLiteral("Командите са повече от %1.").arg(maxBatchStatements));
@@ -41,6 +41,8 @@ Variant callExecMultySql(CallContext& call)
     try {
       runStatement(call, writer, statements->at(i));
     } catch (const RpcError& error) {
+      // Of a long batch the log is to have the statement that was refused, not just the beginning.
+      call.arguments[0] = statements->at(i);
       throw RpcError(error.code(), QStringLiteral("Команда %1: %2").arg(i + 1).arg(error.message()), error.incident());
     }
   }

@@ -2,7 +2,6 @@
 
 #include "rpc/rpc_error.h"
 #include "server/client_sql/statement_template.h"
-#include "server/log.h"
 #include "server/operations/handlers.h"
 #include "server/operations/own_statements.h"
 #include "server/queries/filter_values.h"
@@ -119,16 +118,15 @@ std::optional<int> runOwnStatement(CallContext& call, const QString& statement)
   return {};
 }
 
-void refuseStatement(const CallContext& call, const QString& statement)
+void refuseStatement()
 {
-  logEvent(LogLevel::Warning, "statement_refused", {{"user", call.session.userId}, {"statement", withoutTexts(statement)}});
   throw RpcError(RpcError::Refused, QStringLiteral("Заявката не е разрешена."));
 }
 
 Variant callExecuteSqlScript(CallContext& call)
 {
   const auto result = runOwnStatement(call, call.text(0));
-  return result ? *result : (refuseStatement(call, call.text(0)), 0);
+  return result ? *result : (refuseStatement(), 0);
 }
 
 }  // namespace kalvor::server

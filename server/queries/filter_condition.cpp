@@ -263,6 +263,9 @@ Fragment filterCondition(const FilterArray& filter, const FieldResolver& fields)
     condition += conjunction + QString(opened, u'(') + u'(' + rowCondition(row, fields);
     condition += u')' + QString(closed, u')');
     conjunction = conjunctionOf(row);
+    if (depth + opened > maxFilterDepth || condition.values.size() > maxFilterValues) {
+      refuseFilter(QStringLiteral("Филтърът е твърде сложен."));
+    }
     depth += opened - closed;
     if (depth < 0) {
       break;

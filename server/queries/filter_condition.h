@@ -10,10 +10,11 @@
 namespace kalvor::server {
 
 // Empty for the absent filter. Throws RpcError (Refused, Bulgarian text) for an unknown field or operator, a value
-// that does not suit its field, brackets without a pair, and more than 500 rows.
+// that does not suit its field, brackets without a pair, and more rows, values or brackets in one another than below.
 KALVOR_SERVER Fragment filterCondition(const FilterArray& filter, const FieldResolver& fields);
 
 constexpr qsizetype maxFilterRows = 500;
-constexpr qsizetype maxFilterValues = 20'000;  // of one IN
+constexpr qsizetype maxFilterValues = 20'000;  // of all rows together
+constexpr qsizetype maxFilterDepth = 40;       // of brackets; SQLite reads no statement with a hundred
 
 }  // namespace kalvor::server

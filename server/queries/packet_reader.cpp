@@ -129,7 +129,7 @@ bool PacketReader::readRange(const Fragment& range, qsizetype count)
 {
   const qsizetype wanted = count < 0 ? -1 : count - packet_->records.rows;
   const Fragment sql = statement(range, wanted < 0 ? -1 : wanted + 1);
-  auto rows = access_.db.prepare(sql.sql);
+  auto rows = access_.db.prepare(sql.sql, StatementUse::Asked);
   for (int i = 0; i < sql.values.size(); ++i) {
     rows->bind(i, sql.values.at(i));
   }

@@ -4,6 +4,10 @@ namespace kalvor::server {
 
 namespace {
 
+// Beyond these a text is no statement of anybody's work, and its tokens would fill the memory.
+constexpr qsizetype maxStatementTokens = 100'000;
+constexpr qsizetype maxBatchTokens = 1'000'000;
+
 bool startsWord(QChar c) { return c.isLetter() || c == u'_'; }
 bool continuesWord(QChar c) { return c.isLetterOrNumber() || c == u'_' || c == u'$' || c == u'#'; }
 
@@ -77,7 +81,11 @@ std::optional<SqlToken> tokenAt(const QString& sql, qsizetype at)
 std::optional<QList<SqlToken>> tokenizeSql(const QString& sql, SqlText text)
 {
   QList<SqlToken> tokens;
+  const qsizetype most = text == SqlText::Batch ? maxBatchTokens : maxStatementTokens;
   for (qsizetype at = 0; at < sql.size();) {
+    if (tokens.size() >= most) {
+      return {};
+    }
     const QChar c = sql.at(at);
     if (c == u' ' || c == u'\n' || c == u'\r' || c == u'\t') {
       ++at;

@@ -30,7 +30,7 @@ struct SqlToken {
 enum class SqlText : quint8 { Statement, Batch };
 
 // Nothing when the text holds what SQL of ours never does: an open quote or comment, a control character, a semicolon
-// in a single statement.
+// in a single statement, more tokens than anybody writes.
 KALVOR_SERVER std::optional<QList<SqlToken>> tokenizeSql(const QString& sql, SqlText text = SqlText::Statement);
 
 // 'text' with its inner quotes doubled.

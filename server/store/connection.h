@@ -13,12 +13,19 @@ namespace kalvor::server {
 
 enum class Dialect : quint8 { Sqlite, PostgreSql };
 
+// Own: made from the server's words alone. Asked: what a client's text caused, however it was checked and made anew
+// before: one query over the company's tables with plain functions. The database itself refuses anything else
+// (Denied): SQLite by its authorizer, PostgreSQL in a read-only transaction that is always rolled back, in the role of
+// readers where there is one.
+enum class StatementUse : quint8 { Own, Asked };
+
 // A failed statement; the message is for the log, never for a client.
 class KALVOR_SERVER StoreError : public std::runtime_error {
  public:
   // Collision: the database ended the transaction in favour of another one; the same again may succeed.
   // Unreachable: the connection to the database is lost; the next call tries to connect again.
-  enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt, Collision, Unreachable };
+  // Denied: a statement that may not do what it tried.
+  enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt, Collision, Unreachable, Denied };
   // The rule of a table that a Constraint error broke, and its columns where the database names them.
   enum class Rule : quint8 { None, Required, Unique, Reference };
   StoreError(Kind kind, const QString& message, Rule rule = Rule::None, QStringList columns = {});
@@ -48,7 +55,7 @@ class KALVOR_SERVER Statement {
   virtual void bindAmount(int index, double value) = 0;    // as whole millionths
   virtual bool step() = 0;                                 // true: a row is there
   virtual void reset() = 0;
-  virtual int columnCount() const = 0;
+  virtual int columnCount() const = 0;                     // of columns; known once step() was called
   virtual FieldDef column(int index) const = 0;
   virtual bool isNull(int index) const = 0;
   virtual qint64 integer(int index) const = 0;
@@ -61,7 +68,8 @@ class KALVOR_SERVER Connection {
  public:
   virtual ~Connection() = default;
   virtual Dialect dialect() const = 0;
-  virtual std::shared_ptr<Statement> prepare(const QString& sql) = 0;  // cached by text
+  // Cached by text and use.
+  virtual std::shared_ptr<Statement> prepare(const QString& sql, StatementUse use = StatementUse::Own) = 0;
   virtual void define(const QString& statement) = 0;  // CREATE, ALTER, DROP with the types above, without parameters
   virtual void begin(bool writing) = 0;   // writing: takes the writer's lock at once; inside another: a savepoint
   virtual void commit() = 0;

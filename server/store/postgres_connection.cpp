@@ -14,9 +14,9 @@ class PostgresConnection : public Connection {
 
   Dialect dialect() const override { return Dialect::PostgreSql; }
 
-  std::shared_ptr<Statement> prepare(const QString& sql) override
+  std::shared_ptr<Statement> prepare(const QString& sql, StatementUse use) override
   {
-    return std::make_shared<PostgresStatement>(session_, sql);
+    return std::make_shared<PostgresStatement>(session_, sql, use);
   }
 
   void define(const QString& statement) override

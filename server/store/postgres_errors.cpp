@@ -24,7 +24,8 @@ constexpr StateMeaning meanings[] = {
     {"53100", Kind::DiskFull},                   {"53", Kind::Busy},
     {"XX001", Kind::Corrupt},                    {"XX002", Kind::Corrupt},
     {"08", Kind::Unreachable},                   {"57P", Kind::Unreachable},
-    {"25P03", Kind::Unreachable},
+    {"25P03", Kind::Unreachable},                {"25006", Kind::Denied},
+    {"42501", Kind::Denied},
 };
 
 QString diagnostic(const PGresult* result, int field) { return QString::fromUtf8(PQresultErrorField(result, field)); }

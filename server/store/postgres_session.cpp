@@ -1,12 +1,15 @@
 #include "server/store/postgres_session.h"
 
+#include "server/store/asked_rules.h"
 #include "server/store/postgres_uri.h"
+#include "server/store/statement_trace.h"
 
 namespace kalvor::server {
 
 namespace {
 
 constexpr qsizetype keptStatements = 200;
+constexpr int describedParameters = 7000;
 
 // A writer that waits longer gives up; a transaction whose server fell silent is ended by the database.
 constexpr const char* sessionSettings =
@@ -46,6 +49,15 @@ void PostgresSession::connect()
   if (!durable_) {
     run("SET synchronous_commit = off");
   }
+  findReaderRole();
+}
+
+// DATABASE_reader, when its owner made it and this user may take it on.
+void PostgresSession::findReaderRole()
+{
+  const PostgresResult found = run("SELECT quote_ident(rolname) FROM pg_roles WHERE rolname = current_database() || '_reader' "
+                                   "AND pg_has_role(current_user, oid, 'MEMBER')");
+  readerRole_ = PQntuples(found.get()) == 1 ? QByteArray(PQgetvalue(found.get(), 0, 0)) : QByteArray();
 }
 
 void PostgresSession::requireConnection()
@@ -67,6 +79,7 @@ PostgresResult PostgresSession::checked(PGresult* given, const QString& sql)
 
 PostgresResult PostgresSession::run(const QByteArray& statements)
 {
+  traceStatement(statements);
   return checked(PQexec(connection_, statements.constData()), QString::fromUtf8(statements));
 }
 
@@ -124,21 +137,19 @@ const PostgresSession::KnownTable& PostgresSession::table(Oid oid)
   return *tables_.insert(oid, known);
 }
 
-void PostgresSession::describe(PostgresPrepared& statement)
+void PostgresSession::describe(PostgresPrepared& statement, const PGresult* description)
 {
-  const PostgresResult description =
-      checked(PQdescribePrepared(connection_, statement.name.constData()), statement.sql);
   statement.columns.clear();
-  for (int i = 0; i < PQnfields(description.get()); ++i) {
+  for (int i = 0; i < PQnfields(description); ++i) {
     PostgresColumn column;
-    const QString given = QString::fromUtf8(PQfname(description.get(), i));
+    const QString given = QString::fromUtf8(PQfname(description, i));
     const QString alias = statement.translated.aliases.value(given);
     column.name = alias.isEmpty() ? given : alias.section(u':', 0, 0);
-    column.type = PQftype(description.get(), i);
-    const Oid origin = PQftable(description.get(), i);
+    column.type = PQftype(description, i);
+    const Oid origin = PQftable(description, i);
     if (origin != InvalidOid) {
       const KnownTable& known = table(origin);
-      const auto [name, declared] = known.columns.value(PQftablecol(description.get(), i));
+      const auto [name, declared] = known.columns.value(PQftablecol(description, i));
       column.origin = name.isEmpty() ? QString() : known.name + u'.' + name;
       column.declared = declared;
       if (alias.isEmpty() && !name.isEmpty()) {
@@ -154,11 +165,16 @@ void PostgresSession::describe(PostgresPrepared& statement)
 
 void PostgresSession::prepareOnServer(PostgresPrepared& statement)
 {
+  traceStatement(statement.translated.text);
   statement.name = "kalvor_" + QByteArray::number(++statementNumber_);
   checked(PQprepare(connection_, statement.name.constData(), statement.translated.text.constData(), 0, nullptr),
           statement.sql);
   statement.connection = number_;
-  describe(statement);
+  // libpq takes the description of more parameters for a broken stream; what such a statement gives is seen when it has run.
+  if (statement.translated.parameters <= describedParameters) {
+    const PostgresResult description = checked(PQdescribePrepared(connection_, statement.name.constData()), statement.sql);
+    describe(statement, description.get());
+  }
 }
 
 void PostgresSession::evict()
@@ -173,16 +189,21 @@ void PostgresSession::evict()
   }
 }
 
-PostgresPreparedPtr PostgresSession::prepare(const QString& sql)
+PostgresPreparedPtr PostgresSession::prepare(const QString& sql, StatementUse use)
 {
   requireConnection();
-  if (const PostgresPreparedPtr known = statements_.value(sql)) {
-    order_.removeOne(sql);
-    order_.append(sql);
+  const QString key = use == StatementUse::Asked ? u'\x01' + sql : sql;
+  if (const PostgresPreparedPtr known = statements_.value(key)) {
+    order_.removeOne(key);
+    order_.append(key);
     return known;
+  }
+  if (const QString word = use == StatementUse::Asked ? refusedWord(sql) : QString(); !word.isEmpty()) {
+    throw StoreError(StoreError::Kind::Denied, QStringLiteral("not a plain query, %1 in: %2").arg(word, sql.left(2000)));
   }
   const auto statement = std::make_shared<PostgresPrepared>();
   statement->sql = sql;
+  statement->use = use;
   statement->translated = postgresSql(sql);
   try {
     prepareOnServer(*statement);
@@ -195,13 +216,17 @@ PostgresPreparedPtr PostgresSession::prepare(const QString& sql)
     prepareOnServer(*statement);
   }
   evict();
-  statements_.insert(sql, statement);
-  order_.append(sql);
+  statements_.insert(key, statement);
+  order_.append(key);
   return statement;
 }
 
-PostgresResult PostgresSession::execute(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
+PostgresResult PostgresSession::executeOnce(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
 {
+  if (statement->connection != number_) {
+    statement = prepare(statement->sql, statement->use);
+  }
+  traceStatement(statement->translated.text);
   std::vector<const char*> pointers;
   std::vector<int> lengths;
   std::vector<int> formats;
@@ -210,13 +235,40 @@ PostgresResult PostgresSession::execute(PostgresPreparedPtr& statement, const st
     lengths.push_back(int(value.bytes.size()));
     formats.push_back(value.binary ? 1 : 0);
   }
-  const auto once = [&] {
-    if (statement->connection != number_) {
-      statement = prepare(statement->sql);
+  PostgresResult result = checked(PQexecPrepared(connection_, statement->name.constData(), int(values.size()), pointers.data(),
+                                                 lengths.data(), formats.data(), 0),
+                                  statement->sql);
+  if (statement->columns.isEmpty() && PQnfields(result.get()) > 0) {
+    describe(*statement, result.get());
+  }
+  return result;
+}
+
+// In a transaction, or a step of one, that only reads and is rolled back: not even a setting outlives it.
+PostgresResult PostgresSession::executeAsked(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
+{
+  const QByteArray role = readerRole_.isEmpty() ? QByteArray() : "; SET LOCAL ROLE " + readerRole_;
+  const bool inner = depth > 0;
+  const QByteArray limit = "; SET LOCAL statement_timeout = '5min'";
+  run((inner ? QByteArray("SAVEPOINT asked; SET LOCAL transaction_read_only = on")
+             : QByteArray("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY")) + limit + role);
+  const auto end = [&] { run(inner ? "ROLLBACK TO asked; RELEASE asked" : "ROLLBACK"); };
+  try {
+    PostgresResult result = executeOnce(statement, values);
+    end();
+    return result;
+  } catch (const StoreError& error) {
+    if (error.kind() != StoreError::Kind::Unreachable && connected()) {
+      end();
     }
-    return checked(PQexecPrepared(connection_, statement->name.constData(), int(values.size()), pointers.data(),
-                                  lengths.data(), formats.data(), 0),
-                   statement->sql);
+    throw;
+  }
+}
+
+PostgresResult PostgresSession::execute(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values)
+{
+  const auto once = [&] {
+    return statement->use == StatementUse::Asked ? executeAsked(statement, values) : executeOnce(statement, values);
   };
   requireConnection();
   PostgresResult result;

@@ -28,6 +28,7 @@ struct PostgresColumn {
 // A statement that the connection has prepared.
 struct PostgresPrepared {
   QString sql;      // as it was asked for
+  StatementUse use = StatementUse::Own;
   PostgresSql translated;
   QByteArray name;
   quint64 connection = 0;  // the number of the connection that knows the name
@@ -54,9 +55,10 @@ class PostgresSession {
   PostgresResult run(const QByteArray& statements);
   // The same, on a new connection when the one there was is lost. Outside a transaction, for what does no harm twice.
   PostgresResult runAgain(const QByteArray& statements);
-  PostgresPreparedPtr prepare(const QString& sql);
+  PostgresPreparedPtr prepare(const QString& sql, StatementUse use);
   // Prepares it once more when the connection is another one by now.
   PostgresResult execute(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values);
+  const QByteArray& readerRole() const { return readerRole_; }  // quoted; empty: there is none
   void forgetTables();
   void setDurable(bool on);
 
@@ -72,9 +74,12 @@ class PostgresSession {
   };
 
   void connect();
+  void findReaderRole();
   void requireConnection();
+  PostgresResult executeOnce(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values);
+  PostgresResult executeAsked(PostgresPreparedPtr& statement, const std::vector<PostgresValue>& values);
   void prepareOnServer(PostgresPrepared& statement);
-  void describe(PostgresPrepared& statement);
+  void describe(PostgresPrepared& statement, const PGresult* description);
   const KnownTable& table(Oid oid);
   void evict();
   PostgresResult checked(PGresult* result, const QString& sql);
@@ -82,6 +87,7 @@ class PostgresSession {
   QString uri_;
   ConnectionUse use_;
   bool durable_ = true;
+  QByteArray readerRole_;
   PGconn* connection_ = nullptr;
   quint64 number_ = 0;         // of the connection; grows with every new one
   quint64 statementNumber_ = 0;

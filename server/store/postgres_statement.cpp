@@ -33,8 +33,8 @@ double realNumber(std::string_view text)
 
 }  // namespace
 
-PostgresStatement::PostgresStatement(std::shared_ptr<PostgresSession> session, const QString& sql)
-    : session_(std::move(session)), prepared_(session_->prepare(sql)), values_(size_t(prepared_->translated.parameters))
+PostgresStatement::PostgresStatement(std::shared_ptr<PostgresSession> session, const QString& sql, StatementUse use)
+    : session_(std::move(session)), prepared_(session_->prepare(sql, use)), values_(size_t(prepared_->translated.parameters))
 {
 }
 

@@ -7,7 +7,7 @@ namespace kalvor::server {
 
 class PostgresStatement : public Statement {
  public:
-  PostgresStatement(std::shared_ptr<PostgresSession> session, const QString& sql);
+  PostgresStatement(std::shared_ptr<PostgresSession> session, const QString& sql, StatementUse use);
 
   void bind(int index, const Variant& value) override;
   void bindAmount(int index, double value) override;

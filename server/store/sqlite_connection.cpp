@@ -16,7 +16,7 @@ class SqliteConnection : public Connection {
       handle_->run("PRAGMA query_only=ON");
       // Their first use declares a table, which the authorizer would take for a write.
       handle_->run("SELECT 1 FROM pragma_table_xinfo('x'), pragma_foreign_key_list('x')");
-      allowReadingOnly(handle_->database());
+      handle_->allowReadingOnly();
     } else {
       handle_->run("PRAGMA journal_mode=WAL");
       handle_->run("PRAGMA synchronous=FULL");
@@ -26,9 +26,9 @@ class SqliteConnection : public Connection {
 
   Dialect dialect() const override { return Dialect::Sqlite; }
 
-  std::shared_ptr<Statement> prepare(const QString& sql) override
+  std::shared_ptr<Statement> prepare(const QString& sql, StatementUse use) override
   {
-    return std::make_shared<SqliteStatement>(handle_, sql.toUtf8());
+    return std::make_shared<SqliteStatement>(handle_, sql.toUtf8(), use);
   }
 
   void define(const QString& statement) override { handle_->run(forSqlite(statement).toUtf8().constData()); }

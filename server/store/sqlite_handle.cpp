@@ -2,7 +2,10 @@
 
 #include <QUrl>
 #include <cstring>
+#include <utility>
 
+#include "server/store/asked_rules.h"
+#include "server/store/statement_trace.h"
 #include "server/store/text_rules.h"
 
 namespace kalvor::server {
@@ -21,6 +24,7 @@ StoreError::Kind storeErrorKind(int code)
     case SQLITE_MISMATCH:
     case SQLITE_TOOBIG: return StoreError::Kind::Constraint;
     case SQLITE_FULL: return StoreError::Kind::DiskFull;
+    case SQLITE_AUTH: return StoreError::Kind::Denied;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB: return StoreError::Kind::Corrupt;
     default: return StoreError::Kind::Other;
@@ -97,7 +101,7 @@ void caseFunction(sqlite3_context* context, int, sqlite3_value** values)
   sqlite3_result_text(context, result.constData(), int(result.size()), SQLITE_TRANSIENT);
 }
 
-int authorizeReading(void*, int action, const char* first, const char*, const char*, const char*)
+int authorizeReading(int action, const char* first)
 {
   switch (action) {
     case SQLITE_SELECT:
@@ -116,7 +120,37 @@ int authorizeReading(void*, int action, const char* first, const char*, const ch
   }
 }
 
+// The statements of a cache by text and use.
+QByteArray cacheKey(const QByteArray& sql, StatementUse use) { return use == StatementUse::Asked ? '\x01' + sql : sql; }
+
 }  // namespace
+
+int SqliteHandle::authorize(void* given, int action, const char* first, const char* second, const char*, const char*)
+{
+  auto& rules = *static_cast<Rules*>(given);
+  const int answer = rules.use == StatementUse::Asked ? authorizeAsked(rules, action, first, second)
+                     : rules.readOnly                 ? authorizeReading(action, first)
+                                                      : SQLITE_OK;
+  rules.denied = rules.denied || answer == SQLITE_DENY;
+  return answer;
+}
+
+int SqliteHandle::authorizeAsked(Rules& rules, int action, const char* first, const char* second)
+{
+  switch (action) {
+    case SQLITE_SELECT: return SQLITE_OK;
+    case SQLITE_FUNCTION: return isPlainFunction(QString::fromUtf8(second)) ? SQLITE_OK : SQLITE_DENY;
+    case SQLITE_READ: {
+      const QString table = QString::fromUtf8(first);
+      if (isServerTable(table) || isSecretColumn(table, QString::fromUtf8(second))) {
+        return SQLITE_DENY;
+      }
+      rules.tables.insert(table.toLower().toUtf8());
+      return SQLITE_OK;
+    }
+    default: return SQLITE_DENY;
+  }
+}
 
 SqliteHandle::SqliteHandle(const QString& fileName)
 {
@@ -133,6 +167,8 @@ SqliteHandle::SqliteHandle(const QString& fileName)
   sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_db_config(database_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(database_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+  sqlite3_set_authorizer(database_, &SqliteHandle::authorize, &rules_);
   registerTextRules(database_);
 }
 
@@ -146,45 +182,89 @@ SqliteHandle::~SqliteHandle()
 
 void SqliteHandle::run(const char* sql)
 {
+  traceStatement(sql);
   const int code = sqlite3_exec(database_, sql, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) {
     fail(code, sql);
   }
 }
 
-sqlite3_stmt* SqliteHandle::take(const QByteArray& sql)
+sqlite3_stmt* SqliteHandle::take(const QByteArray& sql, StatementUse use)
 {
-  if (sqlite3_stmt* known = idle_.take(sql)) {
-    order_.removeOne(sql);
+  traceStatement(sql);
+  const QByteArray key = cacheKey(sql, use);
+  if (sqlite3_stmt* known = idle_.take(key)) {
+    order_.removeOne(key);
     return known;
   }
+  return compile(sql, use);
+}
+
+sqlite3_stmt* SqliteHandle::compile(const QByteArray& sql, StatementUse use)
+{
+  rules_.tables.clear();
+  rules_.denied = false;
+  const auto before = std::exchange(rules_.use, use);
   sqlite3_stmt* statement = nullptr;
   const char* rest = nullptr;
   const int code =
       sqlite3_prepare_v3(database_, sql.constData(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &statement, &rest);
+  rules_.use = before;
   if (code != SQLITE_OK || !statement) {
-    fail(code == SQLITE_OK ? SQLITE_MISUSE : code, sql);
+    // A function that is denied is reported as a plain error.
+    fail(code == SQLITE_OK ? SQLITE_MISUSE : rules_.denied ? SQLITE_AUTH : code, sql);
   }
   if (!QByteArray(rest).trimmed().isEmpty()) {
     sqlite3_finalize(statement);
     throw StoreError(StoreError::Kind::Other, QStringLiteral("more than one statement: ") + QString::fromUtf8(sql));
   }
+  if (use == StatementUse::Asked && (sqlite3_stmt_readonly(statement) == 0 || !allKnown(QSet(rules_.tables)))) {
+    sqlite3_finalize(statement);
+    throw StoreError(StoreError::Kind::Denied, QStringLiteral("not a query over known tables: ") + QString::fromUtf8(sql.left(2000)));
+  }
   return statement;
 }
 
-void SqliteHandle::giveBack(const QByteArray& sql, sqlite3_stmt* statement)
+// Tables and views of the schema, not those that SQLite or an extension offers by name.
+bool SqliteHandle::allKnown(const QSet<QByteArray>& tables)
 {
+  if (knownTables_.contains(tables)) {
+    return true;
+  }
+  knownTables_.clear();
+  sqlite3_stmt* names = compile("SELECT lower(name) FROM sqlite_schema WHERE type IN ('table', 'view') AND rootpage >= 0 "
+                                "AND sql NOT LIKE 'CREATE VIRTUAL%'", StatementUse::Own);
+  while (sqlite3_step(names) == SQLITE_ROW) {
+    knownTables_.insert(reinterpret_cast<const char*>(sqlite3_column_text(names, 0)));
+  }
+  sqlite3_finalize(names);
+  return knownTables_.contains(tables);
+}
+
+int SqliteHandle::step(sqlite3_stmt* statement, StatementUse use)
+{
+  const auto before = std::exchange(rules_.use, use);
+  const int code = sqlite3_step(statement);
+  rules_.use = before;
+  return code;
+}
+
+void SqliteHandle::allowReadingOnly() { rules_.readOnly = true; }
+
+void SqliteHandle::giveBack(const QByteArray& sql, StatementUse use, sqlite3_stmt* statement)
+{
+  const QByteArray key = cacheKey(sql, use);
   sqlite3_reset(statement);
   sqlite3_clear_bindings(statement);
-  if (idle_.contains(sql)) {
+  if (idle_.contains(key)) {
     sqlite3_finalize(statement);
     return;
   }
   if (order_.size() >= idleStatements) {
     sqlite3_finalize(idle_.take(order_.takeFirst()));
   }
-  idle_.insert(sql, statement);
-  order_.append(sql);
+  idle_.insert(key, statement);
+  order_.append(key);
 }
 
 void SqliteHandle::fail(int code, const QByteArray& sql) const
@@ -205,7 +285,5 @@ void registerTextRules(sqlite3* database)
   sqlite3_create_function_v2(database, "lower", 1, pure, nullptr, caseFunction<false>, nullptr, nullptr, nullptr);
   sqlite3_create_function_v2(database, "upper", 1, pure, nullptr, caseFunction<true>, nullptr, nullptr, nullptr);
 }
-
-void allowReadingOnly(sqlite3* database) { sqlite3_set_authorizer(database, authorizeReading, nullptr); }
 
 }  // namespace kalvor::server

@@ -2,12 +2,12 @@
 
 namespace kalvor::server {
 
-SqliteStatement::SqliteStatement(std::shared_ptr<SqliteHandle> handle, QByteArray sql)
-    : handle_(std::move(handle)), sql_(std::move(sql)), statement_(handle_->take(sql_))
+SqliteStatement::SqliteStatement(std::shared_ptr<SqliteHandle> handle, QByteArray sql, StatementUse use)
+    : handle_(std::move(handle)), sql_(std::move(sql)), use_(use), statement_(handle_->take(sql_, use_))
 {
 }
 
-SqliteStatement::~SqliteStatement() { handle_->giveBack(sql_, statement_); }
+SqliteStatement::~SqliteStatement() { handle_->giveBack(sql_, use_, statement_); }
 
 void SqliteStatement::bind(int index, const Variant& value)
 {
@@ -56,7 +56,7 @@ void SqliteStatement::bindAmount(int index, double value)
 
 bool SqliteStatement::step()
 {
-  const int code = sqlite3_step(statement_);
+  const int code = handle_->step(statement_, use_);
   if (code != SQLITE_ROW && code != SQLITE_DONE) {
     handle_->fail(code, sql_);
   }

@@ -8,7 +8,7 @@ namespace kalvor::server {
 
 class SqliteStatement : public Statement {
  public:
-  SqliteStatement(std::shared_ptr<SqliteHandle> handle, QByteArray sql);
+  SqliteStatement(std::shared_ptr<SqliteHandle> handle, QByteArray sql, StatementUse use);
   ~SqliteStatement() override;
 
   void bind(int index, const Variant& value) override;
@@ -30,6 +30,7 @@ class SqliteStatement : public Statement {
 
   std::shared_ptr<SqliteHandle> handle_;
   QByteArray sql_;
+  StatementUse use_;
   sqlite3_stmt* statement_;
   mutable QList<DeclaredType> declared_;  // read at first need
 };

@@ -67,19 +67,12 @@ class OverTheWireTest : public QObject {
 
   void nothingWithoutLogIn()
   {
-    int tried = 0;
-    for (const server::Operation& operation : server::operations()) {
-      if (operation.right == server::CallRight::Everybody) {
-        continue;
-      }
-      Caller caller(server_->port());
-      VariantArray arguments(operation.parameters.size());
-      QCOMPARE(Caller::refusal([&] { caller.broker.Call(QString::fromLatin1(operation.name), arguments); }),
-               int(RpcError::NotLoggedIn));
-      ++tried;
-    }
-    QVERIFY(tried > 15);
+    // One of each thread that calls go to; every operation is in rights_matrix_test.cpp.
     Caller caller(server_->port());
+    for (const char* operation : {"RequestData", "UpdateClientData", "trStart", "trCommit", "trRollback"}) {
+      VariantArray arguments(server::findOperation(QLatin1StringView(operation))->parameters.size());
+      QCOMPARE(Caller::refusal([&] { caller.broker.Call(QLatin1StringView(operation), arguments); }), int(RpcError::NotLoggedIn));
+    }
     QCOMPARE(Caller::refusal([&] { caller.broker.Call(QStringLiteral("PostGlobalDoc")); }),
              int(RpcError::UnknownOperation));
   }

@@ -59,10 +59,10 @@ class ListeningConnection : public server::Connection {
  public:
   explicit ListeningConnection(std::unique_ptr<server::Connection> real) : real_(std::move(real)) {}
   server::Dialect dialect() const override { return real_->dialect(); }
-  std::shared_ptr<server::Statement> prepare(const QString& sql) override
+  std::shared_ptr<server::Statement> prepare(const QString& sql, server::StatementUse use) override
   {
     statements.insert(sql);
-    return real_->prepare(sql);
+    return real_->prepare(sql, use);
   }
   void define(const QString& statement) override { real_->define(statement); }
   void begin(bool writing) override { real_->begin(writing); }
