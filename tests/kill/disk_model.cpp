@@ -86,10 +86,15 @@ void DiskModel::replay(const QString& recordFile)
   }
 }
 
+void DiskModel::applyName(Names& names, const NameChange& change)
+{
+  change.file ? void(names.insert(change.name, change.file)) : void(names.remove(change.name));
+}
+
 void DiskModel::changeName(const QString& name, FilePtr file)
 {
-  file ? void(names_.insert(name, file)) : void(names_.remove(name));
   nameChanges_.append({name, std::move(file), moment_});
+  applyName(names_, nameChanges_.last());
 }
 
 void DiskModel::take(const WriteRecord& head, const QByteArray& bytes)
@@ -109,8 +114,9 @@ void DiskModel::take(const WriteRecord& head, const QByteArray& bytes)
       return changeName(nameOf(bytes.mid(end + 1)), moved);
     }
     case WriteRecord::SyncFolder:
-      synchronizedNames_ = names_;
-      nameChanges_.clear();
+      while (!nameChanges_.isEmpty() && nameChanges_.first().moment <= qint64(head.offset)) {
+        applyName(synchronizedNames_, nameChanges_.takeFirst());
+      }
       return;
     default: break;
   }
@@ -118,10 +124,9 @@ void DiskModel::take(const WriteRecord& head, const QByteArray& bytes)
     throw std::runtime_error("a change of a file that was never opened");
   }
   if (head.kind == WriteRecord::Sync) {
-    for (const Change& change : std::as_const(file->changes)) {
-      apply(file->synchronized, change);
+    while (!file->changes.isEmpty() && file->changes.first().moment <= qint64(head.offset)) {
+      apply(file->synchronized, file->changes.takeFirst());
     }
-    file->changes.clear();
     return;
   }
   file->changes.append({head.kind == WriteRecord::Truncate, head.offset, bytes, moment_});
@@ -156,13 +161,13 @@ void DiskModel::applyInParts(QByteArray& content, const Change& change, quint64 
 DiskModel::Files DiskModel::afterCut(Kept kept, std::mt19937& random) const
 {
   const qint64 until = kept == Kept::Everything ? moment_ : kept == Kept::Nothing ? 0 : qint64(random() % quint64(moment_ + 1));
-  QMap<QString, FilePtr> names = synchronizedNames_;
+  Names names = synchronizedNames_;
   // A folder's changes reach the disk in their order.
   for (const NameChange& change : nameChanges_) {
     if (change.moment > until) {
       break;
     }
-    change.file ? void(names.insert(change.name, change.file)) : void(names.remove(change.name));
+    applyName(names, change);
   }
   Files files;
   for (auto name = names.cbegin(); name != names.cend(); ++name) {

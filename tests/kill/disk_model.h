@@ -49,6 +49,8 @@ class DiskModel {
     FilePtr file;  // null: gone
     qint64 moment = 0;
   };
+  using Names = QMap<QString, FilePtr>;
+  static void applyName(Names& names, const NameChange& change);
   static void apply(QByteArray& content, const Change& change);
   static void applyInParts(QByteArray& content, const Change& change, quint64 part, std::mt19937& random);
   void take(const WriteRecord& head, const QByteArray& bytes);
@@ -57,8 +59,8 @@ class DiskModel {
 
   QString folder_;
   QHash<quint64, FilePtr> byInode_;
-  QMap<QString, FilePtr> names_;              // as the server sees them
-  QMap<QString, FilePtr> synchronizedNames_;  // as they are on the disk
+  Names names_;              // as the server sees them
+  Names synchronizedNames_;  // as they are on the disk
   QList<NameChange> nameChanges_;
   qint64 moment_ = 0;
 };

@@ -17,9 +17,9 @@
 #include <random>
 #include <thread>
 
+#include "cluster_database.h"
 #include "disk_model.h"
 #include "ledger.h"
-#include "server/store/database.h"
 #include "server_process.h"
 
 using namespace kalvor;
@@ -110,7 +110,7 @@ void Trial::prepare()
   for (int i = 0; i < settings_.clients; ++i) {
     stations_.push_back(std::make_unique<Workstation>(i, server_.port));
     stations_.back()->connect();
-    stations_.back()->chooseInvoice();
+    stations_.back()->chooseInvoice(i);
     stations_.back()->disconnect();
   }
 }
@@ -256,16 +256,6 @@ bool Trial::report() const
   return faults_.isEmpty() && acknowledged > 0;
 }
 
-// A database of the cluster, dropped at the end.
-struct ClusterDatabase {
-  QString name = QStringLiteral("kill_%1").arg(QCoreApplication::applicationPid());
-  QString uri(const QString& database) const { return qEnvironmentVariable("KALVOR_TEST_DATABASE").arg(database); }
-  void run(const QString& statement) const
-  {
-    server::openDatabase(uri(QStringLiteral("postgres")), server::ConnectionUse::Write)->execute(statement.arg(name));
-  }
-};
-
 }  // namespace
 
 int main(int argc, char** argv)
@@ -295,11 +285,8 @@ int main(int argc, char** argv)
       return Trial(settings).run();
     }
     const ClusterDatabase database;
-    database.run(QStringLiteral("CREATE DATABASE %1"));
-    settings.database = database.uri(database.name);
-    const bool well = Trial(settings).run();
-    database.run(QStringLiteral("DROP DATABASE %1 WITH (FORCE)"));
-    return well;
+    settings.database = database.uri();
+    return Trial(settings).run();
   }();
   return found == settings.liesOfDisk ? 1 : 0;
 }

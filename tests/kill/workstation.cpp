@@ -72,16 +72,16 @@ void Workstation::request(TClientDataSet& dataSet, int dsIndex, const FilterArra
   dataSet.ProviderName = provider_[dsIndex];
 }
 
-void Workstation::chooseInvoice()
+void Workstation::chooseInvoice(int row)
 {
   TClientDataSet list;
   request(list, 0, {});
-  list.PacketRecords = index_ + 1;
+  list.PacketRecords = row + 1;
   list.Open();
-  if (list.RecordCount() != index_ + 1) {
+  if (list.RecordCount() != row + 1) {
     throw DataError(QStringLiteral("too few invoices"));
   }
-  list.SetRecNo(index_ + 1);
+  list.SetRecNo(row + 1);
   invoice_ = list.FieldByName(u"Id")->AsString();
 }
 
@@ -195,14 +195,15 @@ void Workstation::send()
 void Workstation::saveInVain()
 {
   Save save = buildNew();
-  if (number_ % 2 == 0) {
+  if (++inVain_ % 2 == 0) {
     timed("trStart");
     timed("UpdateClientData", packet(save));
     timed("trRollback");
     return;
   }
-  save.numbering.append(VariantArray{QStringLiteral("D_SaleInvoiceHeader"), save.id, QStringLiteral("NoSuchField"),
-                                     save.numbering[0].toList().value(3), QStringLiteral("1")});
+  VariantArray impossible = save.numbering[0].toList();
+  impossible[2] = QStringLiteral("NoSuchField");
+  save.numbering.append(Variant(impossible));
   try {
     timed("UpdateClientData", packet(save));
   } catch (const RpcError& error) {

@@ -20,8 +20,8 @@ class Workstation {
   // Resumes the session, or logs in anew where the server has forgotten it.
   void connect();
   void disconnect() { broker_.reset(); }
-  // The index-th of the list as its own; before anybody saves.
-  void chooseInvoice();
+  // That of a row of the list as its own, or as the pattern of new ones; before anybody saves.
+  void chooseInvoice(int row);
 
   // Throws when the answer does not come; repeat() sends the same again then.
   void save(bool isNew);
@@ -50,6 +50,7 @@ class Workstation {
   const std::optional<Save>& pending() const { return pending_; }
   int acknowledged() const { return acknowledged_; }
   int cutOff() const { return cutOff_; }
+  int inVain() const { return inVain_; }
   double slowestMs() const { return slowestMs_; }
 
  private:
@@ -75,6 +76,7 @@ class Workstation {
   std::optional<Save> pending_;
   int acknowledged_ = 0;
   int cutOff_ = 0;
+  int inVain_ = 0;
   double slowestMs_ = 0;
 };
 

@@ -11,7 +11,7 @@ struct WriteRecord {
   uint32_t kind = 0;
   uint32_t size = 0;    // of the bytes that follow: the path (Rename: old, zero byte, new) or what was written
   uint64_t file = 0;    // inode number
-  uint64_t offset = 0;  // Write: where; Truncate: the new size
+  uint64_t offset = 0;  // Write: where; Truncate: the new size; Sync: how many records came before it began
 };
 
 }  // namespace kalvor::testing

@@ -1,7 +1,7 @@
 // Loaded into the server with LD_PRELOAD: records every change of a file in the folder KALVOR_CUT_FOLDER, and every
-// synchronization, in the file KALVOR_CUT_RECORD. What a power cut would leave is computed from that; nothing is really
-// synchronized, which would only take time. With KALVOR_CUT_LIES set no synchronization is recorded, as if the disk
-// acknowledged what it has not done.
+// synchronization, in the file KALVOR_CUT_RECORD. What a power cut would leave is computed from that; instead of the real
+// synchronization there is a pause by the number of changes, so that some cuts come during it. With KALVOR_CUT_LIES set
+// no synchronization is recorded, as if the disk acknowledged what it has not done.
 //
 // Left out is the index of the write-ahead log ("-shm"): shared memory that SQLite makes anew.
 #include <dlfcn.h>
@@ -17,6 +17,7 @@
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "write_record.h"
 
@@ -36,9 +37,11 @@ struct Recorder {
   std::mutex mutex;  // a change and its record are one step
   std::string folder;
   int record = -1;
+  uint64_t records = 0;
   bool lies = false;
   bool followed[fileTable] = {};  // by descriptor
   bool isFolder[fileTable] = {};
+  int changes[fileTable] = {};  // since the last synchronization
 
   Recorder()
   {
@@ -66,6 +69,7 @@ struct Recorder {
     if (writev(record, parts, 2) != ssize_t(sizeof head + head.size)) {
       std::abort();
     }
+    ++records;
   }
 };
 
@@ -103,6 +107,7 @@ int openFollowed(const char* path, int flags, mode_t mode)
   }
   to.followed[fd] = true;
   to.isFolder[fd] = folder;
+  to.changes[fd] = 0;
   if (file && isNew) {
     to.add({WriteRecord::Created, uint32_t(std::strlen(path)), inode(fd), 0}, path);
   } else if (file && (flags & O_TRUNC)) {
@@ -117,9 +122,17 @@ int syncFollowed(int fd, const char* name)
   if (!to.follows(fd)) {
     return next<int (*)(int)>(name)(fd);
   }
+  uint64_t covered = 0;
+  int changes = 0;
+  {
+    const std::lock_guard lock(to.mutex);
+    covered = to.records;
+    std::swap(changes, to.changes[fd]);
+  }
+  usleep(useconds_t(500 + 50 * changes));
   const std::lock_guard lock(to.mutex);
   if (!to.lies) {
-    to.add({to.isFolder[fd] ? WriteRecord::SyncFolder : WriteRecord::Sync, 0, inode(fd), 0});
+    to.add({to.isFolder[fd] ? WriteRecord::SyncFolder : WriteRecord::Sync, 0, inode(fd), covered});
   }
   return 0;
 }
@@ -170,6 +183,7 @@ EXPORTED ssize_t pwrite64(int fd, const void* bytes, size_t size, off64_t offset
   const std::lock_guard lock(to.mutex);
   const ssize_t written = real(fd, bytes, size, offset);
   if (written > 0) {
+    ++to.changes[fd];
     to.add({WriteRecord::Write, uint32_t(written), inode(fd), uint64_t(offset)}, bytes);
   }
   return written;
