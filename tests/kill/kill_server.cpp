@@ -130,7 +130,9 @@ void Trial::saveUntilDisaster(bool last)
     });
   }
   if (!last) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(100 + random_() % 600));
+    // Other processes need time to come back after a crash of the database.
+    const unsigned usual = settings_.crash.isEmpty() ? 100 : 600;
+    std::this_thread::sleep_for(std::chrono::milliseconds(usual + random_() % (6 * usual)));
     settings_.crash.isEmpty() ? server_.kill() : crashDatabase();
     end = true;
   }

@@ -10,6 +10,7 @@ namespace kalvor::testing {
 
 namespace {
 
+constexpr int listForm = 120;
 constexpr int invoiceForm = 121;
 
 FilterArray equals(const QString& field, const QString& value) { return {{field, QStringLiteral("="), value, {}, {}}}; }
@@ -164,10 +165,26 @@ Variant Workstation::timed(const char* operation, VariantArray arguments, const 
   return result;
 }
 
-void Workstation::save(bool isNew)
+void Workstation::save(Save what)
 {
-  pending_ = isNew ? buildNew() : buildChange();
+  pending_ = std::move(what);
   send();
+}
+
+void Workstation::openList(int records)
+{
+  VariantArray arguments{listForm, 0, provider_[0], filterToVariant({}), QString(), Variant(), Variant(), 0};
+  if (broker_->Call(QStringLiteral("RequestData"), arguments).toInt() != 0) {
+    throw DataError(QStringLiteral("RequestData"));
+  }
+  TClientDataSet list;
+  list.SetRemoteServer(broker_.get());
+  list.ProviderName = provider_[0];
+  list.PacketRecords = records;
+  list.Open();
+  if (list.RecordCount() != records) {
+    throw DataError(QStringLiteral("%1 records").arg(list.RecordCount()));
+  }
 }
 
 void Workstation::repeat()

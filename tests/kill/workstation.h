@@ -23,8 +23,17 @@ class Workstation {
   // That of a row of the list as its own, or as the pattern of new ones; before anybody saves.
   void chooseInvoice(int row);
 
+  struct Save {
+    qint64 number = 0;
+    bool isNew = false;
+    QString id;  // of the new invoice
+    DeltaPtr header, lines;
+    VariantArray numbering;
+  };
+  Save buildNew();
   // Throws when the answer does not come; repeat() sends the same again then.
-  void save(bool isNew);
+  void save(Save what);
+  void save(bool isNew) { save(isNew ? buildNew() : buildChange()); }
   void save() { save((number_ + 1) % 4 == 0); }
   void repeat();
   // A new invoice whose number is taken back, by a transaction of the workplace's or by an error after it was counted.
@@ -33,14 +42,10 @@ class Workstation {
   // gives up when it is gone and was to end. Throws what is no consequence of a failure.
   void saveUntil(const std::atomic<bool>& end);
 
+  // Opens the list of invoices at its beginning, as the form does.
+  void openList(int records);
+
   // What it knows.
-  struct Save {
-    qint64 number = 0;
-    bool isNew = false;
-    QString id;  // of the new invoice
-    DeltaPtr header, lines;
-    VariantArray numbering;
-  };
   int index() const { return index_; }
   QString invoice() const { return invoice_; }
   QString token(qint64 number) const { return QStringLiteral("знак-%1-%2").arg(index_).arg(number); }
@@ -59,7 +64,6 @@ class Workstation {
   void request(TClientDataSet& dataSet, int dsIndex, const FilterArray& filter);
   void open(TClientDataSet& header, TClientDataSet& lines);
   Save buildChange();
-  Save buildNew();
   void send();
   Variant timed(const char* operation, VariantArray arguments = {}, const QString& requestId = {});
   VariantArray packet(const Save& save) const;
