@@ -109,6 +109,7 @@ void Trial::prepare()
   start();
   for (int i = 0; i < settings_.clients; ++i) {
     stations_.push_back(std::make_unique<Workstation>(i, server_.port));
+    stations_.back()->sessionsMayBeLost = cuts() || !settings_.crash.isEmpty();
     stations_.back()->connect();
     stations_.back()->chooseInvoice(i);
     stations_.back()->disconnect();

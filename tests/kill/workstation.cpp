@@ -19,7 +19,7 @@ FilterArray equals(const QString& field, const QString& value) { return {{field,
 bool passes(const RpcError& error)
 {
   return error.code() == RpcError::Unreachable || error.code() == RpcError::ConnectionLost ||
-         error.code() == RpcError::Internal || error.code() == RpcError::NotLoggedIn;
+         error.code() == RpcError::Internal || error.code() == RpcError::Unsettled || error.code() == RpcError::NotLoggedIn;
 }
 
 }  // namespace
@@ -207,6 +207,7 @@ void Workstation::send()
     acknowledgedChange_ = pending_->number;
   }
   pending_.reset();
+  unsettled_ = false;
 }
 
 void Workstation::saveInVain()
@@ -249,10 +250,18 @@ void Workstation::saveUntil(const std::atomic<bool>& end)
       sinceSuccess.start();
     } catch (const RpcError& error) {
       const bool gone = error.code() == RpcError::Unreachable || error.code() == RpcError::ConnectionLost;
-      if (!passes(error) || (!gone && sinceSuccess.elapsed() > 60000)) {
+      if (error.code() == RpcError::Refused && sessionsMayBeLost) {
+        session_.clear();
+      } else if (!passes(error) || (!gone && sinceSuccess.elapsed() > 60000)) {
         throw;
       }
       ++cutOff_;
+      // An error of the server's says that it was not done this time: the ledger will see whether that is so.
+      const bool notDone = error.code() == RpcError::Refused || (error.code() == RpcError::Internal && !unsettled_);
+      unsettled_ = !notDone;
+      if (notDone) {
+        pending_.reset();
+      }
       broker_.reset();
       if (gone && end) {
         return;

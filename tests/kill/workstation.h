@@ -41,6 +41,9 @@ class Workstation {
   // Saves until told to end, over what breaks in between: repeats at once when the server answers with an error, and
   // gives up when it is gone and was to end. Throws what is no consequence of a failure.
   void saveUntil(const std::atomic<bool>& end);
+  // What is written without waiting for the disk may be gone: a session, or only what it prepared. A refused save makes
+  // this workplace log in anew then.
+  bool sessionsMayBeLost = false;
 
   // Opens the list of invoices at its beginning, as the form does.
   void openList(int records);
@@ -78,6 +81,7 @@ class Workstation {
   qint64 acknowledgedChange_ = 0;
   QSet<qint64> made_;
   std::optional<Save> pending_;
+  bool unsettled_ = false;  // the pending one may have been done
   int acknowledged_ = 0;
   int cutOff_ = 0;
   int inVain_ = 0;
