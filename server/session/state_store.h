@@ -37,6 +37,12 @@ class KALVOR_SERVER StateStore {
   QString lockDocument(const Session& session, const QString& documentId, int formId);
   void unlockDocument(const Session& session, const QString& documentId);
 
+  struct Counts {
+    qint64 sessions = 0;
+    qint64 documentLocks = 0;
+  };
+  Counts counts();
+
   struct Failures {
     int count = 0;
     qint64 secondsAgo = 0;
