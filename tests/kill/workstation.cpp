@@ -258,7 +258,7 @@ void Workstation::saveUntil(const std::atomic<bool>& end)
       ++cutOff_;
       // An error of the server's says that it was not done this time: the ledger will see whether that is so.
       const bool notDone = error.code() == RpcError::Refused || (error.code() == RpcError::Internal && !unsettled_);
-      unsettled_ = !notDone;
+      unsettled_ = pending_ && !notDone;
       if (notDone) {
         pending_.reset();
       }
