@@ -146,21 +146,38 @@ Variant runReading(CallContext& call, const Operation& operation)
   return result;
 }
 
-// Runs a call, and once more when the database ended its transaction in favour of another one: nothing of it is left
-// then. Not inside a transaction of the client's, which cannot be repeated here.
+// Whether the same call may be run again after the error without being done twice. Not inside a transaction of the
+// client's, which cannot be repeated here.
+bool mayRunAgain(const StoreError& error, const CallContext& call, const Operation& operation, const QString& requestId)
+{
+  if (call.db.inTransaction() || operation.runsOn == RunsOn::Transaction) {
+    return false;
+  }
+  // A kept answer tells that a commit was done whose own answer was lost with the connection.
+  return error.kind() == StoreError::Kind::Collision ||
+         (error.kind() == StoreError::Kind::Unsettled && !requestId.isEmpty());
+}
+
+// Runs a call, and again when the database ended its transaction in favour of another one or was lost during the commit.
 Variant runPatiently(CallContext& call, const Operation& operation, const QString& requestId)
 {
   constexpr int attempts = 3;
   const VariantArray given = call.arguments;
+  bool unsettled = false;
   for (int attempt = 1;; ++attempt) {
     try {
       return operation.runsOn == RunsOn::Writer ? runWriting(call, operation, requestId) : runReading(call, operation);
     } catch (const StoreError& error) {
-      if (error.kind() != StoreError::Kind::Collision || attempt == attempts || call.db.inTransaction() ||
-          operation.runsOn == RunsOn::Transaction) {
-        throw;
+      if (attempt < attempts && mayRunAgain(error, call, operation, requestId)) {
+        unsettled = unsettled || error.kind() == StoreError::Kind::Unsettled;
+        call.arguments = given;
+        continue;
       }
-      call.arguments = given;
+      // The database did not come back to tell.
+      if (unsettled && error.kind() == StoreError::Kind::Unreachable) {
+        throw StoreError(StoreError::Kind::Unsettled, QString::fromUtf8(error.what()));
+      }
+      throw;
     }
   }
 }
@@ -191,6 +208,9 @@ RpcError storeFailure(const Operation& operation, const StoreError& error)
       return {RpcError::Internal, QStringLiteral("Сървърът е зает с друга операция. Опитайте отново след малко."), incident};
     case StoreError::Kind::Unreachable:
       return {RpcError::Internal, QStringLiteral("Сървърът няма връзка с базата данни. Опитайте отново след малко."), incident};
+    case StoreError::Kind::Unsettled:
+      return {RpcError::Unsettled, QStringLiteral("Връзката на сървъра с базата данни прекъсна по време на записа. Не е "
+                                                  "известно дали е записано; запишете отново след малко."), incident};
     case StoreError::Kind::DiskFull:
       return {RpcError::Internal, QStringLiteral("Дискът на сървъра е пълен. Промените не са записани. Обърнете се към "
                                                  "системния администратор."), incident};

@@ -25,7 +25,8 @@ class KALVOR_SERVER StoreError : public std::runtime_error {
   // Collision: the database ended the transaction in favour of another one; the same again may succeed.
   // Unreachable: the connection to the database is lost; the next call tries to connect again.
   // Denied: a statement that may not do what it tried.
-  enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt, Collision, Unreachable, Denied };
+  // Unsettled: it was lost during a commit, so that nobody knows whether the transaction was done.
+  enum class Kind : quint8 { Other, Busy, Constraint, DiskFull, Corrupt, Collision, Unreachable, Denied, Unsettled };
   // The rule of a table that a Constraint error broke, and its columns where the database names them.
   enum class Rule : quint8 { None, Required, Unique, Reference };
   StoreError(Kind kind, const QString& message, Rule rule = Rule::None, QStringList columns = {});

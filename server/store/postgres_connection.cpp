@@ -32,6 +32,7 @@ class PostgresConnection : public Connection {
       session_->run(savepoint("SAVEPOINT", session_->depth));
     } else {
       beginOutermost(writing);
+      writing_ = writing;
     }
     ++session_->depth;
   }
@@ -42,7 +43,7 @@ class PostgresConnection : public Connection {
       session_->run(savepoint("RELEASE", session_->depth - 1));
       --session_->depth;
     } else if (session_->depth == 1) {
-      const PostgresResult result = session_->run("COMMIT");
+      const PostgresResult result = commitOutermost();
       session_->depth = 0;
       // After an error that somebody passed over, PostgreSQL answers COMMIT by rolling back.
       if (qstrcmp(PQcmdStatus(result.get()), "COMMIT") != 0) {
@@ -76,6 +77,18 @@ class PostgresConnection : public Connection {
  private:
   static QByteArray savepoint(const char* verb, int depth) { return QByteArray(verb) + " step_" + QByteArray::number(depth); }
 
+  PostgresResult commitOutermost()
+  {
+    try {
+      return session_->run("COMMIT");
+    } catch (const StoreError& error) {
+      if (error.kind() == StoreError::Kind::Unreachable && writing_) {
+        throw StoreError(StoreError::Kind::Unsettled, QString::fromUtf8(error.what()));
+      }
+      throw;
+    }
+  }
+
   void beginOutermost(bool writing)
   {
     if (!writing) {
@@ -96,6 +109,7 @@ class PostgresConnection : public Connection {
   }
 
   std::shared_ptr<PostgresSession> session_;
+  bool writing_ = false;
 };
 
 QStringList PostgresConnection::faults()

@@ -11,7 +11,8 @@ RpcError::~RpcError() = default;
 
 bool RpcError::mayHaveRun() const
 {
-  return code_ == Unreachable || code_ == Timeout || code_ == ConnectionLost || code_ == Untrusted || code_ == NotLoggedIn;
+  return code_ == Unreachable || code_ == Timeout || code_ == ConnectionLost || code_ == Untrusted || code_ == NotLoggedIn ||
+         code_ == Internal || code_ == Unsettled;
 }
 
 }  // namespace kalvor

@@ -23,13 +23,15 @@ class KALVOR_RPC RpcError : public DataError {
     EncryptedOnly = 15,  // the server answers encrypted connections alone
     Conflict = 20,       // a record changed since it was read; the text names who and when
     Invalid = 21,        // a value that the server's rules refuse (too long, missing, no such record)
-    Internal = 30
+    Internal = 30,
+    Unsettled = 31       // the server lost its database while it committed; the call may have run
   };
   RpcError(int code, QString text, QString incident = {});
   ~RpcError() override;
   int code() const { return code_; }
   const QString& incident() const { return incident_; }
-  // Whether the call may have run all the same: no answer of it came, or only a repetition of it was refused.
+  // Whether the call may have run all the same: no answer of it came, the server itself does not
+  // know, or only a repetition of it failed before the server could look whether it had.
   bool mayHaveRun() const;
 
  private:

@@ -70,6 +70,7 @@ class ListeningConnection : public server::Connection {
   void rollback() noexcept override { real_->rollback(); }
   bool inTransaction() const override { return real_->inTransaction(); }
   qint64 changedRows() const override { return real_->changedRows(); }
+  QStringList faults() override { return real_->faults(); }
   void setDurable(bool on) override { real_->setDurable(on); }
 
   QSet<QString> statements;
