@@ -43,6 +43,7 @@ void createOneCompany(DemoScope& scope, const QString& passwordHash)
   createDemoAgreements(scope);
   createDemoInvoices(scope);
   createDemoEntries(scope);
+  createDemoLedger(scope);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@ target_sources(KalvorServerCore PRIVATE
   demo/demo_items.cpp
   demo/demo_names.cpp
   demo/demo_partners.cpp
+  demo/demo_posting.cpp
   demo/demo_setup.cpp
   demo/demo_users.cpp
   demo/init_command.cpp

@@ -1,6 +1,7 @@
 #include "rpc/rpc_error.h"
 #include "server/operations/handlers.h"
 #include "server/updates/numbering.h"
+#include "server/updates/posted_guard.h"
 #include "server/updates/row_writer.h"
 
 namespace kalvor::server {
@@ -53,6 +54,9 @@ Variant callUpdateClientData(CallContext& call)
   QList<UpdateTarget> targets;
   for (const Variant& pair : call.arguments.at(0).toList()) {
     targets.append(targetOf(call, pair));
+  }
+  for (const UpdateTarget& target : std::as_const(targets)) {
+    requireNotPosted(access, target);
   }
   QSet<QString> insertedMasters;
   std::vector<RowWriter> writers;
