@@ -34,7 +34,7 @@ struct TestSale {
 // Goods: СТОКА 3 pieces for 10.00 (20 % VAT), ХРАНА 50 for 123.45 (9 %). Customer "К1" of company 1, object 1.
 class PostingCompany {
  public:
-  PostingCompany() : core_(server::ServerCore::Databases::of(newServerDatabase())), writer_(core_.openWriter()), reader_(core_.openReader())
+  PostingCompany() : core_(server::ServerCore::Databases::of(newServerDatabase())), writer_(core_.openWriter())
   {
     server::setPasswordCost(server::PasswordCost::CheapForTests);
     server::DemoOptions demo;
@@ -50,7 +50,6 @@ class PostingCompany {
   }
   server::ServerCore& core() { return core_; }
   server::Connection& db() { return *writer_; }
-  server::Connection& reader() { return *reader_; }
   QString idOf(const char* table, const QString& code)
   {
     return db().value(QStringLiteral("SELECT Id FROM %1 WHERE Comp_Id = '1' AND Code = ?").arg(QLatin1StringView(table)), {code}).toString();
@@ -63,7 +62,7 @@ class PostingCompany {
   void addItem(const char* code, int type, const char* group, const char* vat, double stock, double cost);
 
   server::ServerCore core_;
-  std::unique_ptr<server::Connection> writer_, reader_;
+  std::unique_ptr<server::Connection> writer_;
 };
 
 inline void PostingCompany::addItem(const char* code, int type, const char* group, const char* vat, double stock, double cost)
@@ -134,8 +133,7 @@ struct PostingCaller {
   Variant call(const char* name, VariantArray& arguments, const QString& requestId = {}, server::Connection* on = nullptr)
   {
     const server::Operation* operation = server::findOperation(QLatin1StringView(name));
-    const bool reads = operation->runsOn == server::RunsOn::Reader || operation->runsOn == server::RunsOn::Passwords;
-    return runOperation(company.core(), on ? *on : reads ? company.reader() : company.db(), session, *operation, arguments, requestId);
+    return runOperation(company.core(), on ? *on : company.db(), session, *operation, arguments, requestId);
   }
   // The var result, empty when the posting failed with a negative one.
   VariantArray post(const QString& id, const QString& requestId = {}, int form = 500, server::Connection* on = nullptr)
