@@ -42,6 +42,7 @@ void createOneCompany(DemoScope& scope, const QString& passwordHash)
   createDemoItems(scope);
   createDemoAgreements(scope);
   createDemoInvoices(scope);
+  createDemoGlobalDocuments(scope);
   createDemoEntries(scope);
   createDemoLedger(scope);
 }

@@ -60,6 +60,7 @@ void createDemoAgreements(DemoScope& scope);
 void createDemoInvoices(DemoScope& scope);
 void createDemoEntries(DemoScope& scope);
 void createDemoPostingSetup(DemoScope& scope);
+void createDemoGlobalDocuments(DemoScope& scope);
 void createDemoLedger(DemoScope& scope);
 void createDemoImports(Connection& connection);
 

@@ -2,6 +2,7 @@ target_sources(KalvorServerCore PRIVATE
   demo/demo_agreements.cpp
   demo/demo_company.cpp
   demo/demo_entries.cpp
+  demo/demo_global_documents.cpp
   demo/demo_imports.cpp
   demo/demo_invoices.cpp
   demo/demo_items.cpp

@@ -1,5 +1,7 @@
 #include "server/posting/posting_checks.h"
 
+#include "server/rights/row_security.h"
+
 namespace kalvor::server {
 
 namespace {
@@ -28,11 +30,16 @@ struct AppliedInvoice {
 
 AppliedInvoice appliedInvoice(const PostingJob& job)
 {
-  auto row = job.db().prepare(QStringLiteral(
-      "SELECT COALESCE(NULLIF(InvToContragent_ID, ''), Contragent_Id), Currency_Id, DocumentDate FROM D_SaleInvoiceHeader "
-      "WHERE Id = ? AND Comp_Id = ? AND DocStatus = 1"));
-  row->bind(0, job.document.appliesToId);
-  row->bind(1, job.companyId());
+  const TableInfo& table = *job.access.metadata.catalogue().table(u"D_SaleInvoiceHeader");
+  const Fragment visible = allOf({{QStringLiteral("D_SaleInvoiceHeader.Id = ? AND D_SaleInvoiceHeader.Comp_Id = ? AND "
+                                                  "D_SaleInvoiceHeader.DocStatus = 1"),
+                                   {job.document.appliesToId, job.companyId()}},
+                                  tableSecurity(job.access, table, table.name)});
+  auto row = job.db().prepare(QStringLiteral("SELECT COALESCE(NULLIF(InvToContragent_ID, ''), Contragent_Id), Currency_Id, "
+                                             "DocumentDate FROM D_SaleInvoiceHeader WHERE ") + visible.sql);
+  for (int i = 0; i < visible.values.size(); ++i) {
+    row->bind(i, visible.values.at(i));
+  }
   return row->step() ? AppliedInvoice{true, row->text(0), row->text(1), row->value(2).toDate()} : AppliedInvoice{};
 }
 

@@ -1,5 +1,6 @@
 target_sources(KalvorServerCore PRIVATE
   posting/contragent_posting.cpp
+  posting/copy_rows.cpp
   posting/document_counts.cpp
   posting/global_document.cpp
   posting/item_posting.cpp
