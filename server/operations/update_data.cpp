@@ -55,8 +55,9 @@ Variant callUpdateClientData(CallContext& call)
   for (const Variant& pair : call.arguments.at(0).toList()) {
     targets.append(targetOf(call, pair));
   }
+  QString posted;
   for (const UpdateTarget& target : std::as_const(targets)) {
-    requireNotPosted(access, target);
+    posted = posted.isEmpty() ? postedChange(access, target) : posted;
   }
   QSet<QString> insertedMasters;
   std::vector<RowWriter> writers;
@@ -69,6 +70,7 @@ Variant callUpdateClientData(CallContext& call)
   for (const RowWriter& writer : writers) {
     writer.checkWritten();
   }
+  refusePostedChange(posted);
   for (const UpdateTarget& target : std::as_const(targets)) {
     if (MetadataCache::isMetadataTable(target.table->name)) {
       MetadataCache::touch(call.db);

@@ -205,10 +205,11 @@ void ChangeWriter::write(const ClientChange& change)
     refuseChange(QStringLiteral("Командите променят повече от %1 записа.").arg(maxBatchRows));
   }
   const UpdateTarget target = updateTarget(access_, request, delta);
-  requireNotPosted(access_, target, insertedMasters_);
+  const QString posted = postedChange(access_, target, insertedMasters_);
   RowWriter writer(access_, target, insertedMasters_);
   writer.write();
   writer.checkWritten();
+  refusePostedChange(posted);
   metadataChanged_ = metadataChanged_ || MetadataCache::isMetadataTable(table->name);
 }
 

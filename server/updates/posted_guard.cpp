@@ -41,10 +41,10 @@ const PostedRows* postedRowsOf(const TableInfo& table)
   return found == std::end(postedRows) ? nullptr : found;
 }
 
-[[noreturn]] void refusePosted(const QString& number)
+QString shownPosted(const QString& number)
 {
-  throw RpcError(RpcError::Refused, number.isEmpty() ? QStringLiteral("Осчетоводени данни не могат да бъдат променяни.")
-                                                     : QStringLiteral("Документ %1 е осчетоводен и не може да бъде променян.").arg(number));
+  return number.isEmpty() ? QStringLiteral("Осчетоводени данни не могат да бъдат променяни.")
+                          : QStringLiteral("Документ %1 е осчетоводен и не може да бъде променян.").arg(number);
 }
 
 class PostedGuard {
@@ -59,10 +59,10 @@ class PostedGuard {
     }
   }
 
-  void check()
+  QString check()
   {
     const auto& status = target_.delta->status;
-    for (size_t row = 0; row < status.size(); ++row) {
+    for (size_t row = 0; row < status.size() && found_.isEmpty(); ++row) {
       const bool pair = status[row] == UpdateStatus::Unmodified && row + 1 < status.size();
       if (!(pair && changesNothing(row))) {
         checkRow(row, status[row] == UpdateStatus::Inserted);
@@ -72,6 +72,7 @@ class PostedGuard {
       }
       row += pair ? 1 : 0;
     }
+    return found_;
   }
 
  private:
@@ -87,7 +88,8 @@ class PostedGuard {
   void checkRow(size_t row, bool inserted)
   {
     if (!rows_.condition) {
-      refusePosted({});
+      found_ = shownPosted({});
+      return;
     }
     if (rows_.master) {
       checkMaster(row);
@@ -101,7 +103,7 @@ class PostedGuard {
                            .arg(QLatin1StringView(rows_.table), QLatin1StringView(rows_.master), QLatin1StringView(rows_.condition))
                      : QStringLiteral("SELECT DocumentNo FROM %1 WHERE Id = ? AND %2")
                            .arg(QLatin1StringView(rows_.table), QLatin1StringView(rows_.condition));
-    refuseFound(sql, key);
+    look(sql, key);
   }
 
   // The document that a line says it is of.
@@ -109,18 +111,18 @@ class PostedGuard {
   {
     const QString master = masterField_ < 0 ? QString() : target_.delta->records.value(qsizetype(row), masterField_).toString();
     if (!master.isEmpty() && !checked_.contains(master)) {
-      refuseFound(QStringLiteral("SELECT DocumentNo FROM %1 WHERE Id = ? AND %2")
+      look(QStringLiteral("SELECT DocumentNo FROM %1 WHERE Id = ? AND %2")
                       .arg(QLatin1StringView(rows_.master), QLatin1StringView(rows_.condition)), master);
       checked_.insert(master);
     }
   }
 
-  void refuseFound(const QString& sql, const QString& key)
+  void look(const QString& sql, const QString& key)
   {
     auto found = access_.db.prepare(sql);
     found->bind(0, key);
     if (found->step()) {
-      refusePosted(found->text(0));
+      found_ = shownPosted(found->text(0));
     }
   }
 
@@ -128,15 +130,22 @@ class PostedGuard {
   const UpdateTarget& target_;
   const PostedRows& rows_;
   int masterField_ = -1;
+  QString found_;
   QSet<QString> checked_;  // documents that lines may be changed of
 };
 
 }  // namespace
 
-void requireNotPosted(const Access& access, const UpdateTarget& target, const QSet<QString>& newDocuments)
+QString postedChange(const Access& access, const UpdateTarget& target, const QSet<QString>& newDocuments)
 {
-  if (const PostedRows* rows = postedRowsOf(*target.table)) {
-    PostedGuard(access, target, *rows, newDocuments).check();
+  const PostedRows* rows = postedRowsOf(*target.table);
+  return rows ? PostedGuard(access, target, *rows, newDocuments).check() : QString();
+}
+
+void refusePostedChange(const QString& text)
+{
+  if (!text.isEmpty()) {
+    throw RpcError(RpcError::Refused, text);
   }
 }
 

@@ -80,7 +80,7 @@ class OverTheWireTest : public QObject {
     }
     QVERIFY(tried > 15);
     Caller caller(server_->port());
-    QCOMPARE(Caller::refusal([&] { caller.broker.Call(QStringLiteral("PostGlobalDoc")); }),
+    QCOMPARE(Caller::refusal([&] { caller.broker.Call(QStringLiteral("PostEverything")); }),
              int(RpcError::UnknownOperation));
   }
 
