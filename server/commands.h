@@ -11,7 +11,7 @@ namespace kalvor::server {
 // this version, the forms that it does not have yet among it. A name is a file or a libpq URI.
 KALVOR_SERVER void prepareDatabase(const QString& database);
 
-// The program's arguments from the command on: init, load, fingerprint, help; the exit code.
+// The program's arguments from the command on: init, load, check, backup, restore, fingerprint, help; the exit code.
 KALVOR_SERVER int runCommand(const QStringList& arguments);
 
 }  // namespace kalvor::server

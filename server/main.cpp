@@ -3,7 +3,9 @@
 #include <cstdio>
 
 #include "server/commands.h"
+#include "server/load/command_line.h"
 #include "server/serve_options.h"
+#include "server/service_manager.h"
 
 namespace {
 
@@ -16,8 +18,10 @@ int serve(const QStringList& arguments, const sigset_t& endSignals)
   server.start();
   std::printf("ready on %s:%u\n", qPrintable(options.address), unsigned(server.port()));
   std::fflush(stdout);
+  kalvor::server::notifyServiceManager("READY=1\nSTATUS=port " + QByteArray::number(server.port()));
   int signal = 0;
   sigwait(&endSignals, &signal);
+  kalvor::server::notifyServiceManager("STOPPING=1");
   server.stop();
   return 0;
 }
@@ -38,7 +42,15 @@ int main(int argc, char** argv)
   QCoreApplication::setApplicationName(QStringLiteral("kalvor"));
   try {
     const QStringList arguments = application.arguments().mid(1);
-    return arguments.value(0) == u"serve" ? serve(arguments.mid(1), endSignals) : kalvor::server::runCommand(arguments);
+    if (arguments.value(0) == u"serve") {
+      return serve(arguments.mid(1), endSignals);
+    }
+    // Any other command may be cut off.
+    pthread_sigmask(SIG_UNBLOCK, &endSignals, nullptr);
+    return kalvor::server::runCommand(arguments);
+  } catch (const kalvor::server::UsageError& error) {
+    std::fprintf(stderr, "kalvor-server: %s\n", error.what());
+    return 2;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "kalvor-server: %s\n", error.what());
     return 1;

@@ -1,5 +1,6 @@
 #include "server/serve_options.h"
 
+#include "server/configuration.h"
 #include "server/load/command_line.h"
 #include "server/store/database.h"
 
@@ -21,13 +22,13 @@ qint64 spanOf(const CommandArguments& line, const QString& name, qint64 unit, qi
   return count * unit;
 }
 
-quint16 portOf(const CommandArguments& line, quint16 otherwise)
+int portOf(const CommandArguments& line, const QString& name, int otherwise)
 {
-  const int port = countOf(line, QStringLiteral("--port"), otherwise);
+  const int port = countOf(line, name, otherwise);
   if (port > 65535) {
-    throw UsageError(QStringLiteral("--port иска число от 0 до 65535"));
+    throw UsageError(QStringLiteral("%1 иска число от 0 до 65535").arg(name));
   }
-  return quint16(port);
+  return port;
 }
 
 }  // namespace
@@ -35,14 +36,16 @@ quint16 portOf(const CommandArguments& line, quint16 otherwise)
 ServerOptions serveOptions(const QStringList& arguments)
 {
   const CommandArguments line = parseArguments(
-      arguments, {{QStringLiteral("--db")}, {QStringLiteral("--bind")}, {QStringLiteral("--port")},
+      withConfiguration(arguments),
+      {{QStringLiteral("--db")}, {QStringLiteral("--bind")}, {QStringLiteral("--port")},
                   {QStringLiteral("--plaintext"), OptionKind::Flag}, {QStringLiteral("--tls"), OptionKind::Flag},
                   {QStringLiteral("--tls-dir")}, {QStringLiteral("--certificate")}, {QStringLiteral("--key")},
-                  {QStringLiteral("--idle-hours")}, {QStringLiteral("--session-days")}});
+                  {QStringLiteral("--idle-hours")}, {QStringLiteral("--session-days")}, {QStringLiteral("--metrics-port")}});
   ServerOptions options;
   options.database = line.value(QStringLiteral("--db"), defaultDatabase());
   options.address = line.value(QStringLiteral("--bind"), options.address);
-  options.port = portOf(line, options.port);
+  options.port = quint16(portOf(line, QStringLiteral("--port"), options.port));
+  options.metricsPort = portOf(line, QStringLiteral("--metrics-port"), options.metricsPort);
   options.plaintext = line.has(QStringLiteral("--plaintext"));
   options.tls = line.has(QStringLiteral("--tls"));
   options.tlsFolder = line.value(QStringLiteral("--tls-dir"));

@@ -22,6 +22,7 @@ struct ServerOptions {
   CertificateFiles certificate;                   // the site's own; both names empty: there is none
   SessionLimits sessions;
   int workers = 3;                                // threads that answer reading calls
+  int metricsPort = -1;                           // health and figures on the loopback; -1: none, 0: any free port
 };
 
 // The files of the certificate that a server with these options shows. Throws std::runtime_error when only one of the
@@ -43,6 +44,7 @@ class KALVOR_SERVER ApplicationServer {
   void start();
   QByteArray fingerprint() const;  // of the certificate, 32 bytes; empty without TLS
   quint16 port() const;  // 0 while stopped
+  quint16 metricsPort() const;  // 0 without one
   // Finishes the calls under way and closes every connection. Nothing happens when it is stopped.
   void stop();
 

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QTextStream>
 
+#include "server/configuration.h"
 #include "server/demo/demo_company.h"
 #include "server/demo/invoice_generator.h"
 #include "server/load/command_line.h"
@@ -20,8 +21,9 @@ constexpr const char* initUsage =
 void initDatabase(const QStringList& arguments, const std::function<QString(const QString&)>& hashDigest)
 {
   const CommandArguments parsed =
-      parseArguments(arguments, {{"--db", OptionKind::Value}, {"--invoices", OptionKind::Value},
-                                 {"--lines", OptionKind::Value}, {"--company", OptionKind::Value}});
+      parseArguments(arguments, {{"--db", OptionKind::Value}, {"--config", OptionKind::Value},
+                                 {"--invoices", OptionKind::Value}, {"--lines", OptionKind::Value},
+                                 {"--company", OptionKind::Value}});
   if (!parsed.positional.isEmpty()) {
     throw UsageError(QStringLiteral("излишно: %1").arg(parsed.positional.first()));
   }
@@ -30,7 +32,7 @@ void initDatabase(const QStringList& arguments, const std::function<QString(cons
   generator.linesEach = countOf(parsed, QStringLiteral("--lines"), 0);
   generator.companyId = parsed.value(QStringLiteral("--company"), generator.companyId);
 
-  const QString database = parsed.value(QStringLiteral("--db"), defaultDatabase());
+  const QString database = databaseOf(parsed);
   const QString shown = shownDatabase(database);
   makeFolderOf(database);
   const auto connection = openDatabase(database, ConnectionUse::Write);

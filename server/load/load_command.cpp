@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include "server/configuration.h"
 #include "server/load/bulk_load.h"
 #include "server/load/command_line.h"
 #include "server/store/database.h"
@@ -60,14 +61,14 @@ LoadRequest requestOf(const CommandArguments& arguments)
 void load(const QStringList& arguments)
 {
   const CommandArguments parsed = parseArguments(
-      arguments, {{"--db", OptionKind::Value}, {"--company", OptionKind::Value}, {"--user", OptionKind::Value},
-                  {"--map", OptionKind::Pairs}, {"--set", OptionKind::Pairs}, {"--lookup", OptionKind::Pairs},
-                  {"--skip-existing", OptionKind::Flag}});
+      arguments, {{"--db", OptionKind::Value}, {"--config", OptionKind::Value}, {"--company", OptionKind::Value},
+                  {"--user", OptionKind::Value}, {"--map", OptionKind::Pairs}, {"--set", OptionKind::Pairs},
+                  {"--lookup", OptionKind::Pairs}, {"--skip-existing", OptionKind::Flag}});
   if (parsed.positional.size() != 2) {
     throw UsageError(QStringLiteral("нужни са таблица и файл"));
   }
   const LoadRequest request = requestOf(parsed);
-  const QString database = parsed.value(QStringLiteral("--db"), defaultDatabase());
+  const QString database = databaseOf(parsed);
   if (!mayExist(database)) {
     throw LoadError(QStringLiteral("няма база данни %1; създава се с kalvor-server init").arg(database));
   }

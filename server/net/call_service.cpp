@@ -48,8 +48,18 @@ void CallService::stop()
   writer_.stop();
 }
 
+QByteArray CallService::figures()
+{
+  const auto line = [](const char* queue, size_t length) {
+    return QByteArray("kalvor_queue_length{queue=\"") + queue + "\"} " + QByteArray::number(qulonglong(length)) + '\n';
+  };
+  return figures_.text() + "# HELP kalvor_queue_length Calls that wait for a thread.\n# TYPE kalvor_queue_length gauge\n" +
+         line("readers", readers_.waiting()) + line("passwords", passwords_.waiting()) + line("writer", writer_.waiting());
+}
+
 void CallService::handle(PeerPtr peer, QByteArray item)
 {
+  peer->callBegan = std::chrono::steady_clock::now();
   readers_.post([this, peer = std::move(peer), item = std::move(item)](Connection& reader) { decode(peer, item, reader); });
 }
 
@@ -60,6 +70,7 @@ void CallService::decode(const PeerPtr& peer, const QByteArray& item, Connection
   auto decoded = decodeFrame(item, limits, &reason);
   if (!decoded || decoded->kind != Frame::Kind::Call) {
     logEvent(LogLevel::Warning, "bad_frame", {{"peer", peer->session.peer}, {"reason", reason}});
+    figures_.noteBadFrame();
     handler_(peer, {});
     return;
   }
@@ -67,6 +78,7 @@ void CallService::decode(const PeerPtr& peer, const QByteArray& item, Connection
   const Operation* operation = findOperation(frame->operation);
   if (!operation) {
     logEvent(LogLevel::Warning, "unknown_operation", {{"peer", peer->session.peer}, {"operation", frame->operation.left(64)}});
+    figures_.note("unknown", CallOutcome::Refused, std::chrono::steady_clock::now() - peer->callBegan);
     handler_(peer, errorAnswer(frame->id, {RpcError::UnknownOperation, QStringLiteral("Сървърът не познава операция „%1“.")
                                                                            .arg(frame->operation.left(64))}));
     return;
@@ -90,6 +102,7 @@ void CallService::route(const PeerPtr& peer, const FramePtr& frame, const Operat
 void CallService::run(const PeerPtr& peer, Frame& frame, const Operation& operation, Connection& db)
 {
   QByteArray answer;
+  CallOutcome outcome = CallOutcome::Ok;
   try {
     // What was meant for a transaction must not be done without it.
     if (peer->transactionLost && operation.runsOn != RunsOn::Transaction) {
@@ -100,11 +113,14 @@ void CallService::run(const PeerPtr& peer, Frame& frame, const Operation& operat
                                : runOperation(core_, db, peer->session, operation, frame.arguments, frame.requestId);
     answer = answerBytes(frame, result, operation.returnedMask());
   } catch (const RpcError& error) {
+    outcome = error.code() == RpcError::Internal ? CallOutcome::Failed : CallOutcome::Refused;
     answer = errorAnswer(frame.id, error);
   } catch (const std::exception& error) {
+    outcome = CallOutcome::Failed;
     const QString incident = logIncident(operation.name, QString::fromUtf8(error.what()));
     answer = errorAnswer(frame.id, {RpcError::Internal, QStringLiteral("Грешка в сървъра."), incident});
   }
+  figures_.note(operation.name, outcome, std::chrono::steady_clock::now() - peer->callBegan);
   handler_(peer, answer);
 }
 

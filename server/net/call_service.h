@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <atomic>
 
+#include "server/net/call_figures.h"
 #include "server/net/job_threads.h"
 #include "server/operations/operation.h"
 
@@ -19,6 +20,7 @@ struct PeerState {
   Session session;
   std::atomic<bool> inTransaction = false;
   std::atomic<bool> transactionLost = false;  // rolled back because the peer kept silent; until it is told so
+  std::chrono::steady_clock::time_point callBegan;
 };
 using PeerPtr = std::shared_ptr<PeerState>;
 
@@ -34,6 +36,8 @@ class KALVOR_SERVER CallService {
   // Ends a transaction that nobody will end: its peer has gone or keeps silent.
   void abandonTransaction(PeerPtr peer);
   void stop();
+  // Figures of the calls and of the queues that they wait in, in the text format of Prometheus.
+  QByteArray figures();
 
  private:
   using FramePtr = std::shared_ptr<Frame>;
@@ -44,6 +48,7 @@ class KALVOR_SERVER CallService {
 
   ServerCore& core_;
   AnswerHandler handler_;
+  CallFigures figures_;
   JobThreads readers_;
   JobThreads passwords_;
   WriterThread writer_;

@@ -94,6 +94,12 @@ void IoServer::close()
   connections_.clear();
 }
 
+QByteArray IoServer::figures()
+{
+  return service_.figures() + "# HELP kalvor_connections Connections of clients.\n# TYPE kalvor_connections gauge\n"
+         "kalvor_connections " + QByteArray::number(connections_.size()) + '\n';
+}
+
 void IoServer::accept()
 {
   while (QTcpSocket* socket = server_.nextPendingConnection()) {

@@ -33,6 +33,8 @@ class IoServer : public QObject {
   QString listen(const QHostAddress& address, quint16 port);
   quint16 port() const { return server_.serverPort(); }
   void close();
+  // Figures of calls, queues and connections, in the text format of Prometheus.
+  QByteArray figures();
 
  private:
   void accept();

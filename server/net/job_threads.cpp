@@ -40,6 +40,12 @@ void JobThreads::stop()
   }
 }
 
+size_t JobThreads::waiting()
+{
+  const std::lock_guard lock(mutex_);
+  return jobs_.size();
+}
+
 void JobThreads::run(Connection& connection)
 {
   while (true) {
@@ -90,6 +96,12 @@ void WriterThread::stop()
   if (thread_.joinable()) {
     thread_.join();
   }
+}
+
+size_t WriterThread::waiting()
+{
+  const std::lock_guard lock(mutex_);
+  return jobs_.size();
 }
 
 // The first job that may run now. Called with the mutex held.

@@ -22,6 +22,7 @@ class KALVOR_SERVER JobThreads {
   ~JobThreads();
   void post(Job job);
   void stop();  // waits for the jobs under way; those not begun are dropped
+  size_t waiting();
 
  private:
   void run(Connection& connection);
@@ -43,6 +44,7 @@ class KALVOR_SERVER WriterThread {
   void post(quint64 peer, Job job);
   void setOwner(quint64 peer);  // from a job; 0 lets go
   void stop();
+  size_t waiting();
 
  private:
   void run();

@@ -235,6 +235,14 @@ void StateStore::unlockDocument(const Session& session, const QString& documentI
   });
 }
 
+StateStore::Counts StateStore::counts()
+{
+  return step([&]() -> Counts {
+    return {connection_->value(QStringLiteral("SELECT COUNT(*) FROM srv_Session")).toLongLong(),
+            connection_->value(QStringLiteral("SELECT COUNT(*) FROM srv_DocumentLock")).toLongLong()};
+  });
+}
+
 StateStore::Failures StateStore::failures(const QString& who, int fadesEvery)
 {
   return step([&]() -> Failures {

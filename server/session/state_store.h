@@ -39,6 +39,12 @@ class KALVOR_SERVER StateStore {
   QString documentHolder(const Session& session, const QString& documentId);
   void unlockDocument(const Session& session, const QString& documentId);
 
+  struct Counts {
+    qint64 sessions = 0;
+    qint64 documentLocks = 0;
+  };
+  Counts counts();
+
   struct Failures {
     int count = 0;
     qint64 secondsAgo = 0;

@@ -68,6 +68,9 @@ class KALVOR_SERVER Connection {
   virtual void rollback() noexcept = 0;
   virtual bool inTransaction() const = 0;
   virtual qint64 changedRows() const = 0;
+  // What the database itself finds damaged or breaking its own rules, one text each; empty: nothing. Reads all of a
+  // SQLite file; PostgreSQL tells what it has noticed so far. Sees the state of the transaction that it is called in.
+  virtual QStringList faults() = 0;
   // Whether commits wait for the disk. Off for what may be lost with the power, such as sessions.
   virtual void setDurable(bool on) = 0;
 

@@ -71,6 +71,7 @@ class PostgresConnection : public Connection {
   bool inTransaction() const override { return session_->depth > 0; }
   qint64 changedRows() const override { return session_->changedRows; }
   void setDurable(bool on) override { session_->setDurable(on); }
+  QStringList faults() override;
 
  private:
   static QByteArray savepoint(const char* verb, int depth) { return QByteArray(verb) + " step_" + QByteArray::number(depth); }
@@ -96,6 +97,21 @@ class PostgresConnection : public Connection {
 
   std::shared_ptr<PostgresSession> session_;
 };
+
+QStringList PostgresConnection::faults()
+{
+  QStringList found;
+  auto rows = prepare(QStringLiteral(
+      "SELECT 'invalid index ' || c.relname FROM pg_index i JOIN pg_class c ON c.oid = i.indexrelid "
+      "WHERE NOT i.indisvalid OR NOT i.indisready "
+      "UNION ALL SELECT 'constraint not validated ' || conname FROM pg_constraint WHERE NOT convalidated "
+      "UNION ALL SELECT 'pages with a wrong checksum: ' || CAST(checksum_failures AS TEXT) FROM pg_stat_database "
+      "WHERE datname = current_database() AND checksum_failures > 0"));
+  while (rows->step()) {
+    found.append(rows->text(0));
+  }
+  return found;
+}
 
 }  // namespace
 

@@ -1,5 +1,7 @@
 #include "server/store/postgres_session.h"
 
+#include "server/store/postgres_uri.h"
+
 namespace kalvor::server {
 
 namespace {
@@ -21,6 +23,7 @@ PostgresSession::~PostgresSession() { PQfinish(connection_); }
 
 void PostgresSession::connect()
 {
+  requirePostgresUri(uri_);
   PQfinish(connection_);
   const QByteArray uri = uri_.toUtf8();
   // The last of a name counts for what the URI does not say; expand_dbname reads the URI in the place of dbname.

@@ -7,7 +7,8 @@ namespace {
 
 class SqliteConnection : public Connection {
  public:
-  SqliteConnection(const QString& fileName, bool readOnly) : handle_(std::make_shared<SqliteHandle>(fileName))
+  SqliteConnection(const QString& fileName, bool readOnly)
+      : handle_(std::make_shared<SqliteHandle>(fileName)), readOnly_(readOnly)
   {
     handle_->run("PRAGMA foreign_keys=ON");
     handle_->run("PRAGMA temp_store=MEMORY");
@@ -69,12 +70,56 @@ class SqliteConnection : public Connection {
   bool inTransaction() const override { return depth_ > 0; }
   qint64 changedRows() const override { return sqlite3_changes64(handle_->database()); }
 
+  QStringList faults() override
+  {
+    // Not for statements of others: reading every page takes its time.
+    sqlite3* const database = handle_->database();
+    sqlite3_set_authorizer(database, nullptr, nullptr);
+    QStringList found;
+    std::exception_ptr failure;
+    try {
+      found = integrityFaults() + brokenReferences();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    if (readOnly_) {
+      allowReadingOnly(database);
+    }
+    if (failure) {
+      std::rethrow_exception(failure);
+    }
+    return found;
+  }
+
   void setDurable(bool on) override { handle_->run(on ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=NORMAL"); }
 
  private:
   QByteArray savepoint(const char* verb) const { return QByteArray(verb) + " step_" + QByteArray::number(depth_); }
 
+  QStringList integrityFaults()
+  {
+    QStringList found;
+    SqliteStatement rows(handle_, "PRAGMA integrity_check(20)");
+    while (rows.step()) {
+      // One row may hold several lines.
+      found += rows.text(0).split(u'\n', Qt::SkipEmptyParts);
+    }
+    found.removeAll(QStringLiteral("ok"));
+    return found;
+  }
+
+  QStringList brokenReferences()
+  {
+    QStringList found;
+    SqliteStatement rows(handle_, "PRAGMA foreign_key_check");
+    while (rows.step() && found.size() < 20) {
+      found.append(QStringLiteral("foreign key of %1 to %2: row %3").arg(rows.text(0), rows.text(2), rows.text(1)));
+    }
+    return found;
+  }
+
   std::shared_ptr<SqliteHandle> handle_;
+  bool readOnly_;
   int depth_ = 0;
 };
 

@@ -109,12 +109,16 @@ void TfBase::acGetDetailsExecute()
 {
   TClientDataSet* master = GetCdsMaster();
   const TField* id = master->FindField(u"ID");
+  // A record that is only being entered has no lines yet: a year's file need not ask a thousand times.
+  const bool entersImport = isImporting() && master->State() == DataSetState::Insert;
   for (int index = 1; index < dataSetCount(); ++index) {
     const FilterArray filter{{detailKeyField(index), QStringLiteral("="), id ? id->AsString() : QString(), QString(),
                               QString()}};
     TClientDataSet* detail = cdsOptions(index).DataSet;
-    if (RequestDataSet(index, filter, QString())) {
-      const ControlsDisabledScope quiet(detail);
+    const ControlsDisabledScope quiet(detail);
+    if (entersImport && detail->Active()) {
+      detail->SetRecords(RecordSet(detail->Records().fields));
+    } else if (RequestDataSet(index, filter, QString())) {
       detail->Close();
       detail->Open();
     }

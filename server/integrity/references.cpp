@@ -1,0 +1,128 @@
+#include "server/integrity/references.h"
+
+namespace kalvor::server {
+
+namespace {
+
+enum class Owner : quint8 {
+  Company,  // the record that is referred to belongs to the same company
+  Shared    // to all companies
+};
+
+struct Reference {
+  const char* table;
+  const char* column;
+  const char* target;
+  Owner owner = Owner::Company;
+};
+
+// By table. Authors of records (C_User_Id, C_Businessgroup_Id) are left out: they may be gone.
+constexpr Reference references[] = {
+    {"C_CompanySetup", "Id", "N_Company", Owner::Shared},
+    {"C_CompanySetup", "Currency_LCY", "N_Currency", Owner::Shared},
+    {"C_SalesSetup", "Id", "N_Company", Owner::Shared},
+    {"D_SaleInvoiceHeader", "Comp_Id", "N_Company", Owner::Shared},
+    {"D_SaleInvoiceHeader", "DocSubType_Id", "N_SubDocument"},
+    {"D_SaleInvoiceHeader", "Series_Id", "N_Series"},
+    {"D_SaleInvoiceHeader", "PostingSerie_Id", "N_Series"},
+    {"D_SaleInvoiceHeader", "Contragent_Id", "N_Contragent"},
+    {"D_SaleInvoiceHeader", "InvToContragent_ID", "N_Contragent"},
+    {"D_SaleInvoiceHeader", "BusinessGroup_Id", "N_BusinessGroup"},
+    {"D_SaleInvoiceHeader", "Currency_Id", "N_Currency", Owner::Shared},
+    {"D_SaleInvoiceHeader", "PayTerm_Id", "N_PaymentTerms"},
+    {"D_SaleInvoiceHeader", "PayMethod_Id", "N_PaymentMethod"},
+    {"D_SaleInvoiceHeader", "VATBusPostGroup_Id", "N_VATBusPostGroup"},
+    {"D_SaleInvoiceHeader", "GenBusPostGroup_Id", "N_GenBusPostGroup"},
+    {"D_SaleInvoiceLine", "Measure_Id", "N_Measure"},
+    {"D_SaleInvoiceLine", "BusinessGroup_Id", "N_BusinessGroup"},
+    {"D_SaleInvoiceLine", "Currency_Id", "N_Currency", Owner::Shared},
+    {"D_SaleInvoiceLine", "VATProdPostGroup_Id", "N_VATProdPostGroup"},
+    {"D_SaleInvoiceLine", "VATBusPostGroup_Id", "N_VATBusPostGroup"},
+    {"D_SaleInvoiceLine", "GenProdPostGroup_Id", "N_GenProdPostGroup"},
+    {"D_SaleInvoiceLine", "GenBusPostGroup_Id", "N_GenBusPostGroup"},
+    {"G_ContragentEntry", "Comp_Id", "N_Company", Owner::Shared},
+    {"G_ContragentEntry", "Contragent_Id", "N_Contragent"},
+    {"G_ContragentEntry", "Businessgroup_Id", "N_BusinessGroup"},
+    {"G_ContragentEntry", "PaymentMethod_Id", "N_PaymentMethod"},
+    {"G_ContragentEntry", "Currency_Id", "N_Currency", Owner::Shared},
+    {"G_ItemValueEntry", "Comp_Id", "N_Company", Owner::Shared},
+    {"G_ItemValueEntry", "Item_Id", "N_Item"},
+    {"G_ItemValueEntry", "Businessgroup_Id", "N_BusinessGroup"},
+    {"G_VATPostingSetup", "VATBus_PostingGroup", "N_VATBusPostGroup"},
+    {"G_VATPostingSetup", "VATProd_PostingGroup", "N_VATProdPostGroup"},
+    {"N_BusinessGroup", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_CashBankOperation", "BusinessGroup_Id", "N_BusinessGroup"},
+    {"N_CashBankOperation", "PaymentMethod_Id", "N_PaymentMethod"},
+    {"N_Contragent", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_Contragent", "PaymentTerms_Id", "N_PaymentTerms"},
+    {"N_Contragent", "PaymentMethodCode", "N_PaymentMethod"},
+    {"N_Contragent", "Currency_Id", "N_Currency", Owner::Shared},
+    {"N_Contragent", "PriceGroup_Id", "N_PriceGroup"},
+    {"N_Contragent", "VATBusPostGroup_Id", "N_VATBusPostGroup"},
+    {"N_Contragent", "GenBusPostGroup_Id", "N_GenBusPostGroup"},
+    {"N_Contragent", "Series_Id", "N_Series"},
+    {"N_CurrencyRate", "Currency_Id", "N_Currency", Owner::Shared},
+    {"N_Employee", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_Item", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_Item", "ItemGroup_Id", "N_ItemGroup"},
+    {"N_Item", "Measure_Id", "N_Measure"},
+    {"N_Item", "VATProdPostGroup_Id", "N_VATProdPostGroup"},
+    {"N_Item", "GenProdPostGroup_Id", "N_GenProdPostGroup"},
+    {"N_ItemCrossRef", "Item_Id", "N_Item"},
+    {"N_ItemCrossRef", "Measure_Id", "N_Measure"},
+    {"N_ItemDiscount", "Item_Id", "N_Item"},
+    {"N_ItemDiscount", "ItemGroup_Id", "N_ItemGroup"},
+    {"N_ItemDiscount", "Contragent_Id", "N_Contragent"},
+    {"N_ItemDiscount", "PriceGroup_Id", "N_PriceGroup"},
+    {"N_ItemDiscount", "SubDocument_Id", "N_SubDocument"},
+    {"N_ItemDiscount", "Measure_Id", "N_Measure"},
+    {"N_ItemGroup", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_ItemGroup", "Parent_Id", "N_ItemGroup"},
+    {"N_ItemMeasure", "Item_Id", "N_Item"},
+    {"N_ItemMeasure", "Measure_Id", "N_Measure"},
+    {"N_ItemPrice", "Item_Id", "N_Item"},
+    {"N_ItemPrice", "Contragent_Id", "N_Contragent"},
+    {"N_ItemPrice", "PriceGroup_Id", "N_PriceGroup"},
+    {"N_ItemPrice", "Measure_Id", "N_Measure"},
+    {"N_ItemPrice", "Currency_Id", "N_Currency", Owner::Shared},
+    {"N_Series", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_SubDocument", "Series_Id", "N_Series"},
+    {"N_SubDocument", "Post_Series_Id", "N_Series"},
+    {"N_SubDocument", "PaymentMethod", "N_PaymentMethod"},
+    {"N_Users", "Comp_Id", "N_Company", Owner::Shared},
+    {"N_Users", "Employee_Id", "N_Employee"},
+    {"S_Rights", "User_Id", "N_Users"},
+    {"S_UserGroups", "User_Id", "N_Users"},
+    {"S_UserGroups", "BusinessGroup_Id", "N_BusinessGroup"},
+};
+
+QString orphans(const Reference& reference)
+{
+  const bool several = reference.table[0] == 'S';
+  const QString sameCompany =
+      reference.owner == Owner::Company ? QStringLiteral(" AND r.Comp_Id = t.Comp_Id") : QString();
+  return QStringLiteral("SELECT '%2 ' || t.%4 AS Violation FROM %1 t WHERE t.%2 IS NOT NULL AND t.%2 <> '' "
+                        "AND NOT EXISTS (SELECT 1 FROM %3 r WHERE r.Id = t.%2%5)")
+      .arg(QLatin1StringView(reference.table), QLatin1StringView(reference.column), QLatin1StringView(reference.target),
+           QLatin1StringView(several ? "Row_Id" : "Id"), sameCompany);
+}
+
+}  // namespace
+
+QList<ConsistencyCheck> referenceChecks()
+{
+  QList<ConsistencyCheck> checks;
+  QString last;
+  for (const Reference& reference : references) {
+    if (last == QLatin1StringView(reference.table)) {
+      checks.last().sql += QStringLiteral(" UNION ALL ") + orphans(reference);
+      continue;
+    }
+    last = QLatin1StringView(reference.table);
+    checks.append({QStringLiteral("references_") + last, orphans(reference),
+                   QStringLiteral("всяка препратка от %1 води до запис на същата фирма").arg(last)});
+  }
+  return checks;
+}
+
+}  // namespace kalvor::server
