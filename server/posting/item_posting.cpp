@@ -88,7 +88,7 @@ class ItemPosting {
   // Signed as the movement.
   qint64 costOf(const GlobalLine& line, qint64 moved, const StockBalance& balance) const
   {
-    if (balance.quantity + moved == 0) {
+    if (balance.quantity + moved == 0 && (moved < 0 ? balance.cost >= 0 : balance.cost <= 0)) {
       return -balance.cost;
     }
     if (const auto source = moved > 0 ? sourceCost(line, moved) : std::nullopt) {

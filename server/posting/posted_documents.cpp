@@ -119,9 +119,9 @@ void markPosted(const PostingJob& job)
 {
   const qint64 changed = job.db().execute(
       QStringLiteral("UPDATE D_GlobalSaleHeader SET GlobDocIsPosted = 1, DocStatus = 1, PostedDoc_Id = ?, PostedDoc_Type = ?, "
-                     "PostedDocumentNo = ?, ShipmentDoc_Id = ?, PostedBy = ?, PostedAt = ? WHERE Id = ? AND GlobDocIsPosted = 0"),
-      {job.postedId, int(job.document.kind), job.postedNumber, PostingJob::textOrNothing(job.shipmentId),
-       job.access.session.userId, job.now, job.document.id});
+                     "PostedDocumentNo = ?, DirectPay = ?, ShipmentDoc_Id = ?, PostedBy = ?, PostedAt = ? WHERE Id = ? AND GlobDocIsPosted = 0"),
+      {job.postedId, int(job.document.kind), job.postedNumber, int(job.document.paidDirectly),
+       PostingJob::textOrNothing(job.shipmentId), job.access.session.userId, job.now, job.document.id});
   if (changed != 1) {
     refusePosting(QStringLiteral("%1 вече е осчетоводен.").arg(job.document.shown()));
   }

@@ -202,6 +202,28 @@ class PostingTest : public QObject {
     QCOMPARE(counts(0, invoice), QStringLiteral("1 1"));
   }
 
+  // Two groups of one percent: 0.012 of VAT in all is one cent, not one each.
+  void groupsShareThePercent()
+  {
+    company_->db().execute(QStringLiteral("UPDATE G_VATPostingSetup SET VATPercent = 20000000 WHERE VATPercent = 9000000"));
+    company_->add({.id = QStringLiteral("Д"), .lines = {{"СТОКА", 1, 0.03}, {"ХРАНА", 1, 0.03}}});
+    const QString invoice = admin_->post(QStringLiteral("Д"))[0].toString();
+    QCOMPARE(company_->number(QStringLiteral("SELECT COUNT(*) FROM G_VATEntry WHERE Document_Id = '%1'").arg(invoice)), 2);
+    QVERIFY(ledgerOf(company_->db(), invoice).startsWith(QStringLiteral("411 +0.07 702 -0.06 4532 -0.01")));
+    QCOMPARE(brokenInvariants(company_->db()), QString());
+  }
+
+  void whoPaysOwes()
+  {
+    company_->add({.id = QStringLiteral("Д"), .lines = {{"УСЛУГА", 1, 10}}});
+    company_->db().execute(QStringLiteral("UPDATE D_GlobalSaleHeader SET InvToContragent_ID = 'К2' WHERE Id = 'Д'"));
+    const QString invoice = admin_->post(QStringLiteral("Д"))[0].toString();
+    QCOMPARE(company_->number(QStringLiteral("SELECT COUNT(*) FROM G_ContragentEntry WHERE Document_Id = '%1' AND Contragent_Id = 'К2'").arg(invoice)), 1);
+    // A memo of the one who only received the goods takes nothing off that.
+    company_->add({.id = QStringLiteral("К"), .kind = 1, .lines = {{"УСЛУГА", 1, 10}}, .appliesTo = invoice});
+    QCOMPARE(errorCode([&] { admin_->post(QStringLiteral("К")); }), int(RpcError::Refused));
+  }
+
   void refusals_data()
   {
     QTest::addColumn<QString>("change");
