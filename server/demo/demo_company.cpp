@@ -42,7 +42,9 @@ void createOneCompany(DemoScope& scope, const QString& passwordHash)
   createDemoItems(scope);
   createDemoAgreements(scope);
   createDemoInvoices(scope);
+  createDemoGlobalDocuments(scope);
   createDemoEntries(scope);
+  createDemoLedger(scope);
 }
 
 }  // namespace

@@ -100,6 +100,21 @@ void writeContragentEntries(DemoScope& scope)
   }
 }
 
+// Each entry, and what has settled it.
+void writeEntryDetails(DemoScope& scope)
+{
+  const QString insert = QStringLiteral(
+      "INSERT INTO G_ContragentEntryDetail (Id, Comp_Id, Businessgroup_Id, Entry_Id, EntryType, Contragent_Id, DocumentType, "
+      "Document_Id, DocumentNo, PostingDate, Currency_Id, Amount, Amount_LCY) SELECT %1, Comp_Id, Businessgroup_Id, Id, %2, "
+      "Contragent_Id, DocumentType, Document_Id, DocumentNo, PostingDate, Currency_Id, %3, %4 FROM G_ContragentEntry "
+      "WHERE Comp_Id = ?%5");
+  scope.connection.execute(insert.arg(QStringLiteral("Id"), QStringLiteral("0"), QStringLiteral("Amount"),
+                                      QStringLiteral("Amount_LCY"), QString()), {scope.companyId});
+  scope.connection.execute(insert.arg(QStringLiteral("Id || '-1'"), QStringLiteral("1"), QStringLiteral("Remaining - Amount"),
+                                      QStringLiteral("Remaining_LCY - Amount_LCY"),
+                                      QStringLiteral(" AND Remaining <> Amount")), {scope.companyId});
+}
+
 // An opening balance and a delivery every half a year, dearer and cheaper than the item's cost.
 void writeItemEntries(DemoScope& scope)
 {
@@ -128,6 +143,7 @@ void writeItemEntries(DemoScope& scope)
 void createDemoEntries(DemoScope& scope)
 {
   writeContragentEntries(scope);
+  writeEntryDetails(scope);
   writeItemEntries(scope);
 }
 

@@ -59,6 +59,9 @@ void createDemoItems(DemoScope& scope);
 void createDemoAgreements(DemoScope& scope);
 void createDemoInvoices(DemoScope& scope);
 void createDemoEntries(DemoScope& scope);
+void createDemoPostingSetup(DemoScope& scope);
+void createDemoGlobalDocuments(DemoScope& scope);
+void createDemoLedger(DemoScope& scope);
 void createDemoImports(Connection& connection);
 
 constexpr QDate euroDay() { return QDate::fromJulianDay(2461042); }  // 2026-01-01

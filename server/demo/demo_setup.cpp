@@ -192,6 +192,7 @@ void createDemoSetup(DemoScope& scope)
   insertSeries(scope, QStringLiteral("POST"), QStringLiteral("Осчетоводени документи"), QStringLiteral("P"), 9, 0);
   insertObjects(scope);
   insertSetup(scope);
+  createDemoPostingSetup(scope);
   for (const char* code : {"кг", "л", "м", "м2"}) {
     scope.connection.execute(QStringLiteral("UPDATE N_Measure SET Decimals = 3 WHERE Id = ?"),
                              {scope.id("N_Measure", QString::fromUtf8(code))});

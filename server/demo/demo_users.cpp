@@ -32,7 +32,7 @@ constexpr UserSeed userSeeds[] = {
 // Nine letters: read, edit, insert, delete, finish, print, export, edit properties, annul; "-" = no.
 struct RoleRights {
   Role role;
-  const char* invoices;      // forms 120, 121 and 130
+  const char* invoices;      // forms 120, 121 and 130; documents to be posted, 500 and 501
   const char* contragents;   // 140 and 141
   const char* others;
   bool ownObjectOnly;
@@ -47,7 +47,29 @@ constexpr RoleRights roleRights[] = {
 constexpr int firstAdministrationForm = 200;
 constexpr int lastAdministrationForm = 213;
 
-constexpr const char* ownObjectFilter = "D_SaleInvoiceHeader.C_Businessgroup_Id,=,<#Param(BUSINESSGROUP_ID)#>,";
+// Which column of a form is the object, for who sees his own object's documents alone, and what came of them.
+struct ObjectColumn {
+  int form;
+  const char* column;
+};
+constexpr ObjectColumn objectColumns[] = {
+    {120, "D_SaleInvoiceHeader.C_Businessgroup_Id"}, {121, "D_SaleInvoiceHeader.C_Businessgroup_Id"},
+    {130, "D_SaleInvoiceHeader.C_Businessgroup_Id"}, {500, "D_GlobalSaleHeader.C_Businessgroup_Id"},
+    {501, "D_GlobalSaleHeader.C_Businessgroup_Id"},  {6, "D_SaleInvoiceHeader.C_Businessgroup_Id"},
+    {7, "D_ShipmentHeader.C_Businessgroup_Id"},      {8, "D_SaleCrMemoHeader.C_Businessgroup_Id"},
+    {9, "dv_ItemEntryAndShipmentHeader.Businessgroup_Id"}, {10, "dv_ItemValueEntry.Businessgroup_Id"},
+    {11, "dv_Entry.Businessgroup_Id"},               {12, "dv_VATEntry.Businessgroup_Id"},
+    {13, "dv_ContragentEntry.Businessgroup_Id"},     {14, "dv_ContragentEntryDetail.Businessgroup_Id"},
+    {15, "G_LBankAccountEntry.Businessgroup_Id"}};
+
+Variant ownObjectFilter(int form)
+{
+  const auto* of = std::find_if(std::begin(objectColumns), std::end(objectColumns),
+                                [&](const ObjectColumn& entry) { return entry.form == form; });
+  return of == std::end(objectColumns)
+             ? Variant()
+             : Variant(QLatin1StringView(of->column) + QStringLiteral(",=,<#Param(BUSINESSGROUP_ID)#>,"));
+}
 
 struct RoleActions {
   Role role;
@@ -87,14 +109,14 @@ void insertRights(DemoScope& scope, const QString& user, Role role, const Record
     if (form >= firstAdministrationForm && form <= lastAdministrationForm) {
       continue;
     }
-    const bool invoices = form == 120 || form == 121 || form == 130;
+    const bool invoices = form == 120 || form == 121 || form == 130 || form == 500 || form == 501;
     const bool contragents = form == 140 || form == 141;
     const char* letters = invoices ? rights->invoices : contragents ? rights->contragents : rights->others;
     VariantArray row{user, scope.companyId, form};
     for (int right = 0; right < 9; ++right) {
       row.append(int(letters[right] != '-'));
     }
-    row.append(invoices && rights->ownObjectOnly ? Variant(QString::fromLatin1(ownObjectFilter)) : Variant());
+    row.append(rights->ownObjectOnly ? ownObjectFilter(form) : Variant());
     rows.insert(row);
   }
 }

@@ -97,16 +97,49 @@ const CheckText ofEntries[] = {
      "SELECT e.Comp_Id || '/' || COALESCE(e.DocumentNo, e.Id) FROM G_ContragentEntry e "
      "LEFT JOIN D_SaleInvoiceHeader h ON h.Id = e.Document_Id AND h.Comp_Id = e.Comp_Id "
      "WHERE e.Gen_PostingType = 1 AND e.DocumentType = 0 AND e.Document_Id IS NOT NULL AND (h.Id IS NULL "
-     "OR COALESCE(h.Contragent_Id, '') <> e.Contragent_Id OR COALESCE(h.TotalVAT, 0) <> e.Amount "
+     "OR COALESCE(NULLIF(h.InvToContragent_ID, ''), h.Contragent_Id, '') <> e.Contragent_Id OR COALESCE(h.TotalVAT, 0) <> e.Amount "
      "OR COALESCE(h.TotalVAT_LCY, 0) <> e.Amount_LCY)",
-     "всяко вземане по фактура е на нейния контрагент и на нейната сума"},
+     "всяко вземане по фактура е от нейния платец и на нейната сума"},
     {"item_entry_cost",
      "SELECT Comp_Id || '/' || Item_Id || ' ' || Id FROM G_ItemValueEntry "
      "WHERE (Quantity > 0 AND CostAmount < 0) OR (Quantity < 0 AND CostAmount > 0)",
      "себестойността на всяко движение на стока е със знака на количеството"},
+    {"entry_details",
+     "SELECT e.Comp_Id || '/' || COALESCE(e.DocumentNo, e.Id) FROM G_ContragentEntry e LEFT JOIN (SELECT Entry_Id, SUM(Amount) AS "
+     "Total, SUM(Amount_LCY) AS TotalLocal FROM G_ContragentEntryDetail GROUP BY Entry_Id) d ON d.Entry_Id = e.Id "
+     "WHERE COALESCE(d.Total, 0) <> e.Remaining OR COALESCE(d.TotalLocal, 0) <> e.Remaining_LCY",
+     "остатъкът на всяко салдо е сборът на подробните му записи"},
     {"item_stock",
-     "SELECT Comp_Id || '/' || Item_Id FROM G_ItemValueEntry GROUP BY Comp_Id, Item_Id HAVING SUM(Quantity) < 0",
+     "SELECT Comp_Id || '/' || Item_Id FROM G_ItemValueEntry WHERE Comp_Id NOT IN (SELECT Id FROM C_CompanySetup WHERE "
+     "AllowNegativeStock <> 0) GROUP BY Comp_Id, Item_Id HAVING SUM(Quantity) < 0",
      "наличността на никоя стока не е под нулата"},
+};
+
+// What one posting left behind agrees with itself. Documents are negative in the entries where they are credit memos.
+const CheckText ofPostings[] = {
+    {"ledger_balance",
+     "SELECT MIN(Comp_Id) || '/' || COALESCE(MIN(DocumentNo), Transaction_Id) FROM G_Entry GROUP BY Transaction_Id "
+     "HAVING SUM(DebitAmount) <> SUM(CreditAmount)",
+     "дебитът на всяка счетоводна операция е равен на кредита ѝ"},
+    {"posted_vat",
+     "SELECT d.Comp_Id || '/' || d.DocumentNo FROM (SELECT Id, Comp_Id, DocumentNo, TotalValue_LCY AS Base, VATValue_LCY AS Vat "
+     "FROM D_SaleInvoiceHeader WHERE GlobalDoc_Id IS NOT NULL UNION ALL SELECT Id, Comp_Id, DocumentNo, -TotalValue_LCY, "
+     "-VATValue_LCY FROM D_SaleCrMemoHeader) d LEFT JOIN (SELECT Document_Id, SUM(BaseAmount) AS Base, SUM(VATAmount) AS Vat "
+     "FROM G_VATEntry GROUP BY Document_Id) v ON v.Document_Id = d.Id "
+     "WHERE d.Base <> COALESCE(v.Base, 0) OR d.Vat <> COALESCE(v.Vat, 0)",
+     "ДДС записите на всеки осчетоводен документ са неговите основа и данък"},
+    {"posted_goods",
+     "SELECT i.Comp_Id || '/' || COALESCE(i.DocumentNo, i.Id) FROM G_ItemEntry i "
+     "LEFT JOIN D_ShipmentLine l ON l.Id = i.DocLine_Id AND l.Master_Id = i.Document_Id "
+     "LEFT JOIN G_ItemValueEntry v ON v.ItemEntry_Id = i.Id "
+     "WHERE COALESCE(l.Quantity_Base, 0) <> -i.Quantity OR COALESCE(v.Quantity, 0) <> i.Quantity",
+     "всяко движение на стока е това на реда в складовия ѝ документ и в записа за стойността ѝ"},
+    {"posted_documents",
+     "SELECT g.Comp_Id || '/' || COALESCE(g.DocumentNo, g.Id) FROM D_GlobalSaleHeader g "
+     "LEFT JOIN D_SaleInvoiceHeader i ON i.Id = g.PostedDoc_Id AND i.GlobalDoc_Id = g.Id AND i.DocStatus = 1 "
+     "LEFT JOIN D_SaleCrMemoHeader m ON m.Id = g.PostedDoc_Id AND m.GlobalDoc_Id = g.Id "
+     "WHERE (g.GlobDocIsPosted <> 0) <> (i.Id IS NOT NULL OR m.Id IS NOT NULL)",
+     "всеки документ е осчетоводен точно когато има осчетоводена фактура или известие"},
 };
 
 CheckOutcome answer(Connection& connection, const ConsistencyCheck& check)
@@ -171,6 +204,7 @@ const QList<ConsistencyCheck>& consistencyChecks()
     };
     append(ofDocuments);
     append(ofEntries);
+    append(ofPostings);
     return list + referenceChecks();
   }();
   return checks;

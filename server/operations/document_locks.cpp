@@ -5,9 +5,6 @@
 
 namespace kalvor::server {
 
-namespace {
-
-// The name of the employee behind a user, else the user code.
 QString nameOfUser(CallContext& call, const QString& userId)
 {
   const Variant name = call.db.value(
@@ -16,7 +13,9 @@ QString nameOfUser(CallContext& call, const QString& userId)
   return name.toString().isEmpty() ? userId : name.toString();
 }
 
-bool anyRow(Connection& db, const Fragment& sql) { return !isNull(db.value(sql.sql, sql.values)); }
+namespace {
+
+bool hasRow(Connection& db, const Fragment& sql) { return !isNull(db.value(sql.sql, sql.values)); }
 
 // A document that the user's rights hide, or another company's, is neither held by him nor does he learn who holds it.
 // A document that is not saved yet is nobody's secret.
@@ -38,7 +37,7 @@ void requireVisible(CallContext& call, int formId, const QString& documentId)
   const Fragment saved{
       QStringLiteral("SELECT 1 FROM %1 WHERE %2 = ?").arg(quotedName(query->base->name), quotedName(keyColumn)),
       {documentId}};
-  if (!anyRow(call.db, visible) && anyRow(call.db, saved)) {
+  if (!hasRow(call.db, visible) && hasRow(call.db, saved)) {
     throw outsideSecurity(formId);
   }
 }

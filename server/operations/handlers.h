@@ -41,6 +41,12 @@ Variant callExecMultySql(CallContext& call);
 // document_locks.cpp
 Variant callCheckOutDocument(CallContext& call);
 Variant callCheckInDocument(CallContext& call);
+// The name of the employee behind a user, else the user code.
+QString nameOfUser(CallContext& call, const QString& userId);
+// posting.cpp
+Variant callPostGlobalDoc(CallContext& call);
+Variant callDeleteGlobalDoc(CallContext& call);
+Variant callGetCountOfDocs(CallContext& call);
 // pricing.cpp
 Variant callGetSaleLinePrice(CallContext& call);
 Variant callGetSaleLineDiscount(CallContext& call);

@@ -67,6 +67,9 @@ const Operation table[] = {
     // Documents.
     {"CheckOutDocument", RunsOn::Reader, CallRight::WriteForm, {text, whole, out}, callCheckOutDocument},
     {"CheckInDocument", RunsOn::Reader, CallRight::OwnData, {text}, callCheckInDocument},
+    {"PostGlobalDoc", RunsOn::Writer, CallRight::WriteForm, {text, whole, out}, callPostGlobalDoc},
+    {"DeleteGlobalDoc", RunsOn::Writer, CallRight::WriteForm, {text, whole}, callDeleteGlobalDoc},
+    {"GetCountOfDocs", RunsOn::Reader, CallRight::ReadForm, {whole, whole, text}, callGetCountOfDocs},
 };
 
 }  // namespace

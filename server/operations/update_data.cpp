@@ -1,6 +1,7 @@
 #include "rpc/rpc_error.h"
 #include "server/operations/handlers.h"
 #include "server/updates/numbering.h"
+#include "server/updates/posted_guard.h"
 #include "server/updates/row_writer.h"
 
 namespace kalvor::server {
@@ -54,6 +55,10 @@ Variant callUpdateClientData(CallContext& call)
   for (const Variant& pair : call.arguments.at(0).toList()) {
     targets.append(targetOf(call, pair));
   }
+  QString posted;
+  for (const UpdateTarget& target : std::as_const(targets)) {
+    posted = posted.isEmpty() ? postedChange(access, target) : posted;
+  }
   QSet<QString> insertedMasters;
   std::vector<RowWriter> writers;
   writers.reserve(size_t(targets.size()));
@@ -65,6 +70,7 @@ Variant callUpdateClientData(CallContext& call)
   for (const RowWriter& writer : writers) {
     writer.checkWritten();
   }
+  refusePostedChange(posted);
   for (const UpdateTarget& target : std::as_const(targets)) {
     if (MetadataCache::isMetadataTable(target.table->name)) {
       MetadataCache::touch(call.db);

@@ -190,16 +190,30 @@ std::optional<QByteArray> StateStore::provider(const Session& session, const QSt
   });
 }
 
+namespace {
+
+QString holderOf(Connection& connection, const Session& session, const QString& documentId)
+{
+  return connection.value(
+      QStringLiteral("SELECT s.User_Id FROM srv_DocumentLock l INNER JOIN srv_Session s ON s.Token = l.Session "
+                     "WHERE l.Comp_Id = ? AND l.Document_Id = ? AND s.User_Id <> ? AND s.UsedAt >= ?"),
+      {session.companyId, documentId, session.userId, nowSeconds() - lockLifeSeconds}).toString();
+}
+
+}  // namespace
+
+QString StateStore::documentHolder(const Session& session, const QString& documentId)
+{
+  return step([&] { return holderOf(*connection_, session, documentId); });
+}
+
 QString StateStore::lockDocument(const Session& session, const QString& documentId, int formId)
 {
   return step([&]() -> QString {
     Transaction transaction(*connection_);
-    const Variant holder = connection_->value(
-        QStringLiteral("SELECT s.User_Id FROM srv_DocumentLock l INNER JOIN srv_Session s ON s.Token = l.Session "
-                       "WHERE l.Comp_Id = ? AND l.Document_Id = ? AND s.User_Id <> ? AND s.UsedAt >= ?"),
-        {session.companyId, documentId, session.userId, nowSeconds() - lockLifeSeconds});
-    if (!isNull(holder)) {
-      return holder.toString();
+    const QString holder = holderOf(*connection_, session, documentId);
+    if (!holder.isEmpty()) {
+      return holder;
     }
     connection_->execute(QStringLiteral("DELETE FROM srv_DocumentLock WHERE Comp_Id = ? AND Document_Id = ?"),
                          {session.companyId, documentId});

@@ -35,6 +35,8 @@ class KALVOR_SERVER StateStore {
 
   // Takes the document; the user who holds it otherwise. Another session of the same user gives it up.
   QString lockDocument(const Session& session, const QString& documentId, int formId);
+  // The other user who holds the document; empty: nobody.
+  QString documentHolder(const Session& session, const QString& documentId);
   void unlockDocument(const Session& session, const QString& documentId);
 
   struct Counts {

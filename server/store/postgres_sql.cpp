@@ -265,6 +265,27 @@ QString indexForPostgres(const QRegularExpressionMatch& index)
   return translated(index.captured(u"head")) + columns.join(QStringLiteral(", ")) + translated(index.captured(u"tail"));
 }
 
+// The columns of a view that are columns of its tables, "Table.Column AS Name", keep their name and declared type.
+QStringList viewForPostgres(const QString& statement, const QRegularExpressionMatch& view)
+{
+  static const QRegularExpression column(QStringLiteral("^\\s*(?<table>\\w+)\\.(?<column>\\w+)\\s+AS\\s+(?<name>\\w+)\\s*$"),
+                                         QRegularExpression::CaseInsensitiveOption);
+  const QString name = view.captured(u"name");
+  QStringList statements{translated(statement), QStringLiteral("COMMENT ON VIEW %1 IS %2").arg(name, quotedText(name))};
+  for (const QString& item : splitAtCommas(view.captured(u"items"))) {
+    if (const auto match = column.match(item); match.hasMatch()) {
+      statements.append(
+          QStringLiteral("DO $body$ DECLARE declared text; BEGIN "
+                         "SELECT %1 || ' ' || substr(d, strpos(d, ' ') + 1) INTO declared FROM (SELECT col_description(a.attrelid, "
+                         "a.attnum) AS d FROM pg_attribute a WHERE a.attrelid = to_regclass(%2) AND a.attname = lower(%3)) AS c; "
+                         "EXECUTE format('COMMENT ON COLUMN %4.%5 IS %L', declared); END $body$")
+              .arg(quotedText(match.captured(u"name")), quotedText(match.captured(u"table")),
+                   quotedText(match.captured(u"column")), name, match.captured(u"name")));
+    }
+  }
+  return statements;
+}
+
 QStringList triggerForPostgres(const QRegularExpressionMatch& trigger)
 {
   const QString name = trigger.captured(u"name");
@@ -291,8 +312,13 @@ QStringList postgresDefinition(const QString& statement)
       QStringLiteral("^\\s*CREATE\\s+TRIGGER\\s+(?<name>\\w+)\\s+(?<event>(?:AFTER|BEFORE)\\s.*?\\sON\\s+\\S+)\\s+"
                      "(?:WHEN\\s(?<when>.*?)\\s)?BEGIN\\s(?<body>.*)\\sEND\\s*$"),
       options);
+  static const QRegularExpression view(
+      QStringLiteral("^\\s*CREATE\\s+VIEW\\s+(?<name>\\w+)\\s+AS\\s+SELECT\\s(?<items>.*?)\\sFROM\\s"), options);
   if (const auto definition = tableDefinition(statement)) {
     return tableForPostgres(*definition);
+  }
+  if (const auto match = view.match(statement); match.hasMatch()) {
+    return viewForPostgres(statement, match);
   }
   if (const auto match = index.match(statement); match.hasMatch()) {
     return {indexForPostgres(match)};

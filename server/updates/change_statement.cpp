@@ -3,6 +3,7 @@
 #include "rpc/rpc_error.h"
 #include "server/queries/packet_reader.h"
 #include "server/updates/column_values.h"
+#include "server/updates/posted_guard.h"
 #include "server/updates/row_writer.h"
 #include "server/updates/update_errors.h"
 
@@ -204,9 +205,11 @@ void ChangeWriter::write(const ClientChange& change)
     refuseChange(QStringLiteral("Командите променят повече от %1 записа.").arg(maxBatchRows));
   }
   const UpdateTarget target = updateTarget(access_, request, delta);
+  const QString posted = postedChange(access_, target, insertedMasters_);
   RowWriter writer(access_, target, insertedMasters_);
   writer.write();
   writer.checkWritten();
+  refusePostedChange(posted);
   metadataChanged_ = metadataChanged_ || MetadataCache::isMetadataTable(table->name);
 }
 

@@ -73,7 +73,7 @@ class OverTheWireTest : public QObject {
       VariantArray arguments(server::findOperation(QLatin1StringView(operation))->parameters.size());
       QCOMPARE(Caller::refusal([&] { caller.broker.Call(QLatin1StringView(operation), arguments); }), int(RpcError::NotLoggedIn));
     }
-    QCOMPARE(Caller::refusal([&] { caller.broker.Call(QStringLiteral("PostGlobalDoc")); }),
+    QCOMPARE(Caller::refusal([&] { caller.broker.Call(QStringLiteral("PostEverything")); }),
              int(RpcError::UnknownOperation));
   }
 

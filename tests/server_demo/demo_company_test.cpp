@@ -88,7 +88,7 @@ class DemoCompanyTest : public QObject {
         << 0;
     QTest::newRow("rights of the guest") << "S_Rights WHERE User_Id = 'GUEST'" << 0;
     QTest::newRow("rows of the clerk filtered")
-        << "S_Rights WHERE User_Id = 'CLERK' AND SecurityFilter IS NOT NULL" << 3;
+        << "S_Rights WHERE User_Id = 'CLERK' AND SecurityFilter IS NOT NULL" << 15;
     QTest::newRow("auditor cannot change")
         << "S_Rights WHERE User_Id = 'AUDITOR' AND EditRight + InsertRight + DeleteRight > 0" << 0;
     QTest::newRow("inactive") << "N_Users WHERE Active = 0" << 1;
