@@ -120,7 +120,7 @@ QStringList PostgresConnection::faults()
       "WHERE NOT i.indisvalid OR NOT i.indisready "
       "UNION ALL SELECT 'constraint not validated ' || conname FROM pg_constraint WHERE NOT convalidated "
       "UNION ALL SELECT 'pages with a wrong checksum: ' || CAST(checksum_failures AS TEXT) FROM pg_stat_database "
-      "WHERE datname = current_database() AND checksum_failures > 0"));
+      "WHERE datname = current_database() AND checksum_failures > 0"), StatementUse::Own);
   while (rows->step()) {
     found.append(rows->text(0));
   }

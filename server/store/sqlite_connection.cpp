@@ -8,7 +8,7 @@ namespace {
 class SqliteConnection : public Connection {
  public:
   SqliteConnection(const QString& fileName, bool readOnly)
-      : handle_(std::make_shared<SqliteHandle>(fileName)), readOnly_(readOnly)
+      : handle_(std::make_shared<SqliteHandle>(fileName))
   {
     handle_->run("PRAGMA foreign_keys=ON");
     handle_->run("PRAGMA temp_store=MEMORY");
@@ -70,26 +70,7 @@ class SqliteConnection : public Connection {
   bool inTransaction() const override { return depth_ > 0; }
   qint64 changedRows() const override { return sqlite3_changes64(handle_->database()); }
 
-  QStringList faults() override
-  {
-    // Not for statements of others: reading every page takes its time.
-    sqlite3* const database = handle_->database();
-    sqlite3_set_authorizer(database, nullptr, nullptr);
-    QStringList found;
-    std::exception_ptr failure;
-    try {
-      found = integrityFaults() + brokenReferences();
-    } catch (...) {
-      failure = std::current_exception();
-    }
-    if (readOnly_) {
-      allowReadingOnly(database);
-    }
-    if (failure) {
-      std::rethrow_exception(failure);
-    }
-    return found;
-  }
+  QStringList faults() override { return integrityFaults() + brokenReferences(); }
 
   void setDurable(bool on) override { handle_->run(on ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=NORMAL"); }
 
@@ -99,7 +80,7 @@ class SqliteConnection : public Connection {
   QStringList integrityFaults()
   {
     QStringList found;
-    SqliteStatement rows(handle_, "PRAGMA integrity_check(20)");
+    SqliteStatement rows(handle_, "PRAGMA integrity_check(20)", StatementUse::Own);
     while (rows.step()) {
       // One row may hold several lines.
       found += rows.text(0).split(u'\n', Qt::SkipEmptyParts);
@@ -111,7 +92,7 @@ class SqliteConnection : public Connection {
   QStringList brokenReferences()
   {
     QStringList found;
-    SqliteStatement rows(handle_, "PRAGMA foreign_key_check");
+    SqliteStatement rows(handle_, "PRAGMA foreign_key_check", StatementUse::Own);
     while (rows.step() && found.size() < 20) {
       found.append(QStringLiteral("foreign key of %1 to %2: row %3").arg(rows.text(0), rows.text(2), rows.text(1)));
     }
@@ -119,7 +100,6 @@ class SqliteConnection : public Connection {
   }
 
   std::shared_ptr<SqliteHandle> handle_;
-  bool readOnly_;
   int depth_ = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "server/store/sqlite_handle.h"
 
 #include <QUrl>
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -101,6 +102,12 @@ void caseFunction(sqlite3_context* context, int, sqlite3_value** values)
   sqlite3_result_text(context, result.constData(), int(result.size()), SQLITE_TRANSIENT);
 }
 
+bool isReadingPragma(const char* name)
+{
+  static constexpr const char* known[] = {"table_xinfo", "foreign_key_list", "integrity_check", "foreign_key_check"};
+  return name && std::any_of(std::begin(known), std::end(known), [name](const char* one) { return std::strcmp(name, one) == 0; });
+}
+
 int authorizeReading(int action, const char* first)
 {
   switch (action) {
@@ -113,9 +120,7 @@ int authorizeReading(int action, const char* first)
     // SQLite asks this when a statement first names one of its own table-valued pragmas; nothing is written, and
     // defensive mode keeps the schema from being written by text.
     case SQLITE_UPDATE: return first && std::strcmp(first, "sqlite_master") == 0 ? SQLITE_OK : SQLITE_DENY;
-    case SQLITE_PRAGMA:
-      return first && (std::strcmp(first, "table_xinfo") == 0 || std::strcmp(first, "foreign_key_list") == 0)
-                 ? SQLITE_OK : SQLITE_DENY;
+    case SQLITE_PRAGMA: return isReadingPragma(first) ? SQLITE_OK : SQLITE_DENY;
     default: return SQLITE_DENY;
   }
 }

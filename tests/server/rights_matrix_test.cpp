@@ -40,7 +40,17 @@ struct Stand {
              "INSERT INTO S_QueryList (Id, Form_Id, Ds_Index, SqlText, BaseTable, KeyField, DefaultOrder) VALUES "
              "(90200, 9020, 0, 'SELECT N_Contragent.Id AS Id FROM N_Contragent', 'N_Contragent', 'N_Contragent.Id', 'Id'), "
              "(90300, 9030, 0, 'SELECT D_SaleInvoiceHeader.Id AS Id FROM D_SaleInvoiceHeader', 'D_SaleInvoiceHeader', "
+             "'D_SaleInvoiceHeader.Id', 'Id'), "
+             "(90400, 9040, 0, 'SELECT D_GlobalSaleHeader.Id AS Id FROM D_GlobalSaleHeader', 'D_GlobalSaleHeader', "
+             "'D_GlobalSaleHeader.Id', 'Id'), "
+             "(600, 6, 0, 'SELECT D_SaleInvoiceHeader.Id AS Id FROM D_SaleInvoiceHeader', 'D_SaleInvoiceHeader', "
              "'D_SaleInvoiceHeader.Id', 'Id')",
+             "INSERT INTO D_GlobalSaleHeader (Id, Comp_Id, DocumentDate, DocStatus) VALUES ('G5', '5', '20240101', 0), "
+             "('G5h', '5', '20240101', 7), ('G6', '6', '20240101', 0)",
+             "INSERT INTO S_Rights (User_Id, Comp_Id, Form_Id, ReadRight, DeleteRight, FinishRight, SecurityFilter) VALUES "
+             "('AB', '5', 9040, 1, 1, 1, NULL), ('CD', '5', 9040, 1, 1, 1, 'D_GlobalSaleHeader.DocStatus,=,0,'), "
+             "('EF', '5', 9040, 1, 0, 0, NULL), ('AB', '5', 6, 1, 0, 0, NULL), ('XY', '6', 6, 1, 0, 0, NULL), "
+             "('CD', '5', 6, 1, 0, 0, 'D_SaleInvoiceHeader.DocStatus,=,0,')",
              "INSERT INTO S_Rights (User_Id, Comp_Id, Form_Id, ReadRight, SecurityFilter) VALUES "
              "('CD', '5', 9020, 1, 'N_Contragent.City,=,Явна,'), ('CD', '5', 9030, 1, 'D_SaleInvoiceHeader.DocStatus,=,0,'), "
              "('AB', '5', 9020, 1, NULL), ('AB', '5', 9030, 1, NULL), ('XY', '6', 9020, 1, NULL), ('XY', '6', 9030, 1, NULL)",
@@ -221,6 +231,21 @@ int settings(TestCaller& caller, const QString& user, const QString& company)
                                 "Comp_Id = '%2' ELSE insert into s_UserSettings values ('%1', '%2', 'x', '7', '%1', 'd')").arg(user, company)});
 }
 
+int posted(TestCaller& caller, const QString& id) { return called(caller, "PostGlobalDoc", {id, 9040, Variant()}); }
+int deleted(TestCaller& caller, const QString& id) { return called(caller, "DeleteGlobalDoc", {id, 9040}); }
+
+// Whether the invoice is counted among its own links.
+bool countsInvoice(TestCaller& caller, const QString& id)
+{
+  constexpr int invoice = 0, sales = 0;
+  VariantArray arguments{invoice, sales, id};
+  return caller.call("GetCountOfDocs", arguments).toList().value(0).toInt() > 0;
+}
+int countedOnlyFor(TestCaller& one, TestCaller& other, const QString& id)
+{
+  return countsInvoice(one, id) && !countsInvoice(other, id) ? absent : leaked;
+}
+
 int logIn(Stand& stand, const QString& user, const QString& group, const QString& company)
 {
   TestCaller stranger(stand.company);
@@ -342,6 +367,15 @@ const QList<Row>& matrix()
        }), is(Forbidden, [](Stand& s) { return called(s.bare, "CheckItemUnitCost", {"S5", 0}); }), no(ownArguments), is(-1, [](Stand& s) {
          return onlyThere(called(s.full, "CheckItemUnitCost", {"S5h", 0}), called(s.filtered, "CheckItemUnitCost", {"S5h", 0}));
        })},
+      {"PostGlobalDoc", is(Refused, [](Stand& s) { return posted(s.full, "G6"); }),
+       is(Forbidden, [](Stand& s) { return posted(s.reads, "G5"); }), no(ownArguments),
+       is(Forbidden, [](Stand& s) { return posted(s.filtered, "G5h"); })},
+      {"DeleteGlobalDoc", is(Refused, [](Stand& s) { return deleted(s.full, "G6"); }),
+       is(Forbidden, [](Stand& s) { return deleted(s.reads, "G5"); }), no(ownArguments),
+       is(Forbidden, [](Stand& s) { return deleted(s.filtered, "G5h"); })},
+      {"GetCountOfDocs", is(absent, [](Stand& s) { return countedOnlyFor(s.foreign, s.full, "S6"); }),
+       is(absent, [](Stand& s) { return countedOnlyFor(s.full, s.bare, "S5"); }), no(ownArguments),
+       is(absent, [](Stand& s) { return countedOnlyFor(s.full, s.filtered, "S5h"); })},
       {"DisableFlowFields", is(Refused, [](Stand& s) { return withProvider(s.full, s.foreign, "DisableFlowFields"); }),
        is(Refused, [](Stand& s) { return withProvider(s.full, s.bare, "DisableFlowFields"); }), no(ownArguments), no(noRecord)},
       {"EnableFlowFields", is(Refused, [](Stand& s) { return withProvider(s.full, s.foreign, "EnableFlowFields"); }),
