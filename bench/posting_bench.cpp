@@ -37,7 +37,7 @@ constexpr WrittenTable writtenTables[] = {
 QStringList addDocuments(Connection& db, int lines)
 {
   const RecordSet items = db.query(QStringLiteral(
-      "SELECT Code, VATProdPostGroup_Id, VATPercent, VATBus_PostingGroup, GenProdPostGroup_Id FROM N_Item, G_VATPostingSetup s, "
+      "SELECT N_Item.Code, VATProdPostGroup_Id, VATPercent, VATBus_PostingGroup, GenProdPostGroup_Id FROM N_Item, G_VATPostingSetup s, "
       "N_VATBusPostGroup b WHERE N_Item.Comp_Id = '1' AND Type = 1 AND s.Comp_Id = '1' AND VATProd_PostingGroup = VATProdPostGroup_Id "
       "AND b.Id = VATBus_PostingGroup AND b.Code = 'BG' ORDER BY N_Item.Code"));
   const Variant subType = db.value(QStringLiteral("SELECT Id FROM N_SubDocument WHERE Comp_Id = '1' AND Code = 'SALE-SOF'"));
