@@ -1,6 +1,7 @@
 // Every operation of the server against everything that must stop it: one row an operation, one column a reason. A cell is
 // an attempt with the answer that it must get, or the reason why there is nothing to attempt. An operation without a row
 // fails.
+// Long file: one table with a row for every operation, which is read across.
 #include "several_tests.h"
 #include "server/test_company.h"
 #include "server/test_database.h"

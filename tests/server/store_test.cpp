@@ -206,7 +206,7 @@ class StoreTest : public QObject {
         "SELECT CAST(A AS citext), CAST($1 AS double precision), B AS \"text\" FROM T");
     row("the collation", "SELECT 1 FROM T WHERE (A || B) COLLATE \"KALVOR\" = ?",
         "SELECT 1 FROM T WHERE (A || B) ::citext COLLATE kalvor = $1");
-    row("a view", "CREATE VIEW V AS SELECT Id AS Key FROM T", "CREATE VIEW V AS SELECT Id AS \"key\" FROM T");
+    row("a view", "CREATE VIEW V AS SELECT Id AS Key FROM T", "CREATE VIEW V AS SELECT Id AS \"key\" FROM T;COMMENT ON VIEW V IS 'V'");
     row("a table",
         "CREATE TABLE T (Id VARCHAR(9) NOT NULL PRIMARY KEY, Day DATE, \"Sum\" AMOUNT DEFAULT 0, UNIQUE (Day, \"Sum\"))",
         "CREATE TABLE T (Id citext COLLATE kalvor NOT NULL PRIMARY KEY, Day text COLLATE kalvor, \"sum\" bigint DEFAULT 0, "

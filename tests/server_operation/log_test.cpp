@@ -20,10 +20,10 @@ class LogTest : public QObject {
     QTest::addColumn<QString>("written");
     QTest::newRow("plain") << "abc" << "abc";
     QTest::newRow("nothing") << "" << "\"\"";
-    QTest::newRow("line ends") << "a\r\n<3>2026 level=error" << "\"a  <3>2026 level=error\"";
-    QTest::newRow("next line, separators") << QStringLiteral("a\u0085b\u2028c\u2029d") << "\"a b c d\"";
-    QTest::newRow("escape, zero") << QString::fromLatin1(QByteArray("a\x1b[2J\0b", 7)) << "\"a [2J b\"";
-    QTest::newRow("direction") << QStringLiteral("a\u202Eb") << "\"a b\"";
+    QTest::newRow("line ends") << "a\r\n<3>2026 level=error" << "\"a\\r\\n<3>2026 level=error\"";
+    QTest::newRow("next line, separators") << QStringLiteral("a\u0085b\u2028c\u2029d") << "a\\x85b\\u2028c\\u2029d";
+    QTest::newRow("escape, zero") << QString::fromLatin1(QByteArray("a\x1b[2J\0b", 7)) << "a\\x1b[2J\\x00b";
+    QTest::newRow("direction") << QStringLiteral("a\u202Eb") << "a\\u202eb";
     QTest::newRow("quote") << "a\" user=\"x" << "\"a' user='x\"";
     QTest::newRow("pair") << "a=b" << "\"a=b\"";
   }
