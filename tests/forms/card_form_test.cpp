@@ -251,6 +251,7 @@ class CardFormTest : public QObject {
     Desk desk;
     auto* list = desk.open<TfBrSaleInvoice>(120);
     QVERIFY(list);
+    QVERIFY(list->cdsMaster()->Locate(QStringLiteral("DocStatus"), 0));  // a finished one is not changed any more
     const Variant id = list->cdsMaster()->FieldByName(u"Id")->Value();
     auto* card = desk.open<TfEdSaleInvoice>(invoiceCard, so_Normal, idIs(id));
     QVERIFY2(card, qPrintable(desk.prompt.messages.join(u'\n')));
