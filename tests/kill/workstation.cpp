@@ -134,7 +134,7 @@ Workstation::Save Workstation::buildNew()
   header.Post();
   for (int line = 1; line <= 2; ++line) {
     lines.Append();
-    lines.FieldByName(u"Id")->SetAsString(QStringLiteral("%1").arg(own * 10 + line, 32, 16, QLatin1Char('F')).toUpper());
+    lines.FieldByName(u"Id")->SetAsString(QStringLiteral("L%1").arg(own * 10 + line, 31, 16, QLatin1Char('0')).toUpper());
     lines.FieldByName(u"Comp_Id")->SetAsString(QStringLiteral("1"));
     lines.FieldByName(u"Master_Id")->SetAsString(save.id);
     lines.FieldByName(u"Line_No")->SetAsInteger(line);
