@@ -4,6 +4,8 @@
 #include "posting_company.h"
 #include "several_tests.h"
 
+Q_DECLARE_METATYPE(kalvor::testing::TestSale)
+
 namespace kalvor::testing {
 
 using namespace server;
@@ -365,7 +367,5 @@ class PostingTest : public QObject {
 static const RegisterTest<PostingTest> postingTest;
 
 }  // namespace kalvor::testing
-
-Q_DECLARE_METATYPE(kalvor::testing::TestSale)
 
 #include "posting_test.moc"
